@@ -1,0 +1,14 @@
+// The subcommands of the command-line host. Each lives in a file of its own and hooks
+// itself into the application here; main() only dispatches.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace velmora::app {
+
+/// `velmora tokens FILE...`
+void AddTokensCommand(CLI::App& app);
+
+}  // namespace velmora::app

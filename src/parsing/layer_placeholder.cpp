@@ -1,0 +1,2 @@
+// Placeholder until the first unit of this layer lands.
+namespace velmora {}
