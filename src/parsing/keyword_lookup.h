@@ -1,0 +1,109 @@
+// Keyword lookup shared by the two scanners (included by them only).
+//
+// An identifier of up to 16 characters is packed into two 64-bit words, zero padded, so
+// that one pair of word compares decides whether it is a given keyword (identifiers never
+// contain a NUL, so the padding cannot make two different words equal). The words are
+// hashed by two multiplications into a slot table whose multipliers are searched for at
+// compile time until no two keywords share a slot: a lookup is then one hash, one slot
+// read and one comparison, whatever the identifier. Empty slots point at an all-zero
+// entry that no identifier can match, so a miss needs no extra branch.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace velmora::keywords {
+
+inline constexpr int kMaxLength = 16;  // the packed form holds at most this many characters
+
+struct TPacked {
+  uint64_t lo = 0;  // characters 0..7, the first in the lowest byte
+  uint64_t hi = 0;  // characters 8..15
+};
+
+/// Packs `length` (at most kMaxLength) characters, each passed through `fold`.
+template <typename Fold>
+constexpr TPacked Pack(const unsigned char* s, int length, Fold fold) {
+  TPacked w;
+  const int first = length < 8 ? length : 8;
+  for (int i = 0; i < first; ++i) w.lo |= uint64_t{fold(s[i])} << (8 * i);
+  for (int i = 8; i < length; ++i) w.hi |= uint64_t{fold(s[i])} << (8 * (i - 8));
+  return w;
+}
+
+constexpr unsigned char Same(unsigned char c) { return c; }
+/// Lower case for the characters an identifier can hold (letters, digits, underscore).
+constexpr unsigned char LowerIdentChar(unsigned char c) {
+  return static_cast<unsigned char>(c + (static_cast<unsigned>(c - 'A') < 26u ? 32 : 0));
+}
+
+constexpr TPacked PackLiteral(std::string_view word) {
+  TPacked w;
+  for (size_t i = 0; i < word.size(); ++i) {
+    const uint64_t c = static_cast<unsigned char>(word[i]);
+    if (i < 8)
+      w.lo |= c << (8 * i);
+    else
+      w.hi |= c << (8 * (i - 8));
+  }
+  return w;
+}
+
+template <size_t N, int Bits>
+class TKeywordTable {
+ public:
+  /// `words` in kind order; the place of a word in it is what Find returns.
+  consteval explicit TKeywordTable(const std::array<std::string_view, N>& words) {
+    static_assert(N < 255, "slots hold a byte");
+    for (size_t i = 0; i < N; ++i) {
+      if (words[i].empty() || words[i].size() > kMaxLength) throw "keyword too long";
+      entries_[i + 1] = PackLiteral(words[i]);
+    }
+    // Multipliers from a fixed pseudo-random sequence; the first pair that puts every
+    // keyword in a slot of its own wins. The sequence is fixed, so the build is repeatable.
+    uint64_t state = 0x9E3779B97F4A7C15u;
+    for (int attempt = 0; attempt < 100000; ++attempt) {
+      mulLo_ = Mix(state) | 1;
+      mulHi_ = Mix(state) | 1;
+      if (TryPlace()) return;
+    }
+    throw "no collision-free multipliers found";
+  }
+
+  /// The place of the packed identifier among the keywords, or -1.
+  int Find(TPacked w) const {
+    const unsigned e = slots_[Slot(w)];
+    return (entries_[e].lo == w.lo && entries_[e].hi == w.hi) ? static_cast<int>(e) - 1 : -1;
+  }
+
+ private:
+  static constexpr uint64_t Mix(uint64_t& state) {  // splitmix64
+    uint64_t z = (state += 0x9E3779B97F4A7C15u);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
+    return z ^ (z >> 31);
+  }
+
+  constexpr unsigned Slot(TPacked w) const {
+    return static_cast<unsigned>((w.lo * mulLo_ ^ w.hi * mulHi_) >> (64 - Bits));
+  }
+
+  constexpr bool TryPlace() {
+    for (auto& s : slots_) s = 0;
+    for (size_t i = 1; i <= N; ++i) {
+      unsigned char& s = slots_[Slot(entries_[i])];
+      if (s != 0) return false;
+      s = static_cast<unsigned char>(i);
+    }
+    return true;
+  }
+
+  uint64_t mulLo_ = 0;
+  uint64_t mulHi_ = 0;
+  std::array<unsigned char, size_t{1} << Bits> slots_{};  // 0, or 1 + the keyword's place
+  std::array<TPacked, N + 1> entries_{};                  // entry 0 stays zero: never matches
+};
+
+}  // namespace velmora::keywords

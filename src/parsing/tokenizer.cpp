@@ -1,0 +1,149 @@
+#include "parsing/tokenizer.h"
+
+namespace velmora {
+
+// ---- TTokenWriter ----
+
+TTokenWriter::TTokenWriter(TIList& offsets, TIList& kinds, int32_t expected)
+    : offsets_(offsets), kinds_(kinds) {
+  // Both lists get the same room so that they stay in step; +1 because Add keeps a slot
+  // spare.
+  const int32_t wanted = offsets.Count() + expected + 1;
+  if (offsets.Capacity() < wanted) offsets.SetCapacity(wanted);
+  if (kinds.Capacity() < wanted) kinds.SetCapacity(wanted);
+  Reload();
+}
+
+void TTokenWriter::Reload() {
+  o_ = offsets_.Items();
+  k_ = kinds_.Items();
+  count_ = offsets_.Count();
+  limit_ = offsets_.Capacity() < kinds_.Capacity() ? offsets_.Capacity() : kinds_.Capacity();
+}
+
+void TTokenWriter::Commit() {
+  offsets_.SetCount(count_);
+  kinds_.SetCount(count_);
+}
+
+void TTokenWriter::AddSlow(int32_t offset, int kind) {
+  Commit();
+  offsets_.Add(offset);
+  kinds_.Add(kind);
+  Reload();
+}
+
+// ---- TTokenizer ----
+
+void TTokenizer::SetText(const char* text, int32_t size) {
+  text_ = text;
+  textSize_ = size;
+  index_ = 0;
+  cachedOffset_ = 0;
+  cachedLineEnds_ = 0;
+  Tokenize();
+  index_ = 0;
+}
+
+void TTokenizer::Tokenize() {}
+
+void TTokenizer::AdjustLineForComment(int32_t, int) {}
+
+std::string_view TTokenizer::TokenView(int32_t i) const {
+  if (i == LastIndex()) return {};
+  const int32_t start = offsets_.Get(i);
+  return std::string_view(text_ + start, static_cast<size_t>(offsets_.Get(i + 1) - start));
+}
+
+int TTokenizer::KindAt(int32_t i) {
+  const int32_t last = LastIndex();
+  if (last < 0) return tkEndOfText;  // no text set yet
+  // Negative indexes are out of range too and read the end-of-text entry.
+  if (static_cast<uint32_t>(i) > static_cast<uint32_t>(last)) i = last;
+  const int kind = kinds_.Get(i);
+  if (i == lastVisited_) return kind;
+  if (kind == tkLineEnd)
+    StepLine();
+  else if (commentKinds_.Contains(kind))
+    AdjustLineForComment(offsets_.Get(i) + 1, kind);
+  lastVisited_ = i;
+  return kind;
+}
+
+int32_t TTokenizer::LineOfOffset(int32_t offset) const {
+  const int32_t last = LastIndex();
+  if (offset < 0 || last < 0 || offset > offsets_.Get(last)) return -1;
+  // Whether a character is a line end depends only on it and the next one, so counts over
+  // adjoining ranges add up and the count can resume from the previous answer.
+  int32_t from = 0;
+  int32_t lineEnds = 0;
+  if (offset >= cachedOffset_) {
+    from = cachedOffset_;
+    lineEnds = cachedLineEnds_;
+  }
+  const char* const s = text_;
+  for (int32_t p = from; p < offset; ++p) {
+    if (s[p] == '\n' || (s[p] == '\r' && s[p + 1] != '\n')) ++lineEnds;
+  }
+  cachedOffset_ = offset;
+  cachedLineEnds_ = lineEnds;
+  return lineEnds + 1;
+}
+
+void TTokenizer::Next() {
+  forward_ = true;
+  if (index_ < LastIndex()) ++index_;
+}
+
+int TTokenizer::NextSkipComments() {
+  forward_ = true;
+  int kind;
+  do {
+    kind = KindAt(index_);
+    if (kind == tkEndOfText) break;
+    ++index_;
+    kind = KindAt(index_);
+  } while (commentKinds_.Contains(kind));
+  return kind;
+}
+
+int TTokenizer::NextSignificant() {
+  forward_ = true;
+  int kind;
+  do {
+    kind = KindAt(index_);
+    if (kind == tkEndOfText) break;
+    ++index_;
+    kind = KindAt(index_);
+  } while (blankKinds_.Contains(kind));
+  return kind;
+}
+
+int TTokenizer::PrevSignificant() {
+  forward_ = false;
+  if (index_ == 0) {
+    // Nothing to step over: report the kind at the start without counting it.
+    return LastIndex() < 0 ? tkEndOfText : kinds_.Get(0);
+  }
+  int kind;
+  do {
+    --index_;
+    kind = KindAt(index_);
+  } while (blankKinds_.Contains(kind) && index_ != 0);
+  return kind;
+}
+
+void TTokenizer::CountCRsUpToStarClose(int32_t offset, char close) {
+  for (const char* p = text_ + offset; *p; ++p) {
+    if (*p == '*' && p[1] == close) break;
+    if (*p == '\r') StepLine();
+  }
+}
+
+void TTokenizer::CountCRsUpTo(int32_t offset, char close) {
+  for (const char* p = text_ + offset; *p && *p != close; ++p) {
+    if (*p == '\r') StepLine();
+  }
+}
+
+}  // namespace velmora
