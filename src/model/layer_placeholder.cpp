@@ -1,2 +1,0 @@
-// Placeholder until the first unit of this layer lands.
-namespace velmora {}
