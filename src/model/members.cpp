@@ -100,8 +100,9 @@ std::string TMethodDescription::GetImplementation(unsigned options) const {
     if (!ResultType.empty()) s = ResultType + " ";
     for (const auto& [d, word] : kCppCallingConventions)
       if (HasDirective(d)) s += word;
-    if (Kind == TMethodKind::Operator) s += "operator ";
+    // The class qualifies the whole operator name: TFoo::operator ==.
     if (owner) s += owner->Name + "::";
+    if (Kind == TMethodKind::Operator) s += "operator ";
     s += Name + "(" + Parameters.GetText() + ")\r\n";
     if (!(options & toHeaderOnly)) s += "{\r\n\r\n}";
     return s;
