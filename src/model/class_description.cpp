@@ -144,7 +144,8 @@ int TClassDescription::GetImageIndex(const TInheritsFromFunc& inheritsFrom) cons
 
 void TClassDescription::SetValid(bool valid, bool recurse) {
   if (recurse && nestedClasses_)
-    for (int i = 0; i < nestedClasses_->Count(); ++i) nestedClasses_->Items(i)->SetValid(valid, true);
+    for (int i = 0; i < nestedClasses_->Count(); ++i)
+      nestedClasses_->Items(i)->SetValid(valid, true);
   Valid = valid;
   Fields.SetValid(valid);
   Methods.SetValid(valid);

@@ -87,7 +87,8 @@ class TPositionInfo {
 
 /// Tells whether a class descends (through its chain of direct ancestors) from the named
 /// class; the class list supplies it (InheritsFrom with the class's root list).
-using TInheritsFromFunc = std::function<bool(const TClassDescription&, std::string_view ancestorName)>;
+using TInheritsFromFunc =
+    std::function<bool(const TClassDescription&, std::string_view ancestorName)>;
 
 class TClassDescription : public TCodeObject {
  public:

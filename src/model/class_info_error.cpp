@@ -4,7 +4,9 @@
 
 namespace velmora {
 
-void ThrowUnexpectedEnd() { throw EClassInfoFileError(kUnexpectedEndOfFile, 0); }
+void ThrowUnexpectedEnd() {
+  throw EClassInfoFileError(kUnexpectedEndOfFile, 0);
+}
 
 uint8_t LoadU8(TStream& stream) {
   uint8_t v;
@@ -30,7 +32,9 @@ int32_t LoadI32(TStream& stream) {
   return v;
 }
 
-bool LoadBool(TStream& stream) { return LoadU8(stream) != 0; }
+bool LoadBool(TStream& stream) {
+  return LoadU8(stream) != 0;
+}
 
 std::string LoadString(TStream& stream) {
   std::string v;

@@ -34,7 +34,9 @@ class TCommonClassList {
 
   int Count() const { return Index.Count(); }
   /// The i-th class in name order.
-  TClassDescription* Items(int i) const { return static_cast<TClassDescription*>(Index.Objects(i)); }
+  TClassDescription* Items(int i) const {
+    return static_cast<TClassDescription*>(Index.Objects(i));
+  }
   /// Classes of this list plus, recursively, all classes nested in them.
   int CountAll() const;
   /// The class of that name (case-sensitive), or null; with duplicates, the first.

@@ -50,8 +50,9 @@ std::string_view ClassKindText(TClassKind kind) {
 std::string_view DirectiveText(int n, TLanguage language) {
   // Each language names only its own directives; an empty entry is one it does not know.
   static constexpr std::string_view kPascal[16] = {
-      "virtual", "dynamic", "override", "abstract", "message", "stdcall", "class method", "register",
-      "pascal",  "cdecl",   "safecall", "",         "",        "",        "",             "overload"};
+      "virtual",  "dynamic", "override", "abstract", "message", "stdcall", "class method",
+      "register", "pascal",  "cdecl",    "safecall", "",        "",        "",
+      "",         "overload"};
   static constexpr std::string_view kCpp[16] = {"virtual",
                                                 "",
                                                 "",

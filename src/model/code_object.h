@@ -18,7 +18,13 @@ class TStream;
 
 enum class TLanguage : uint8_t { Pascal = 0, Cpp = 1 };
 
-enum class TVisibility : uint8_t { Public = 0, Private = 1, Protected = 2, Published = 3, Automated = 4 };
+enum class TVisibility : uint8_t {
+  Public = 0,
+  Private = 1,
+  Protected = 2,
+  Published = 3,
+  Automated = 4
+};
 
 /// C++ functions returning a value are Function, those returning void Procedure.
 enum class TMethodKind : uint8_t {
@@ -29,7 +35,13 @@ enum class TMethodKind : uint8_t {
   Operator = 4
 };
 
-enum class TClassKind : uint8_t { Class = 0, Interface = 1, DispInterface = 2, Template = 3, Struct = 4 };
+enum class TClassKind : uint8_t {
+  Class = 0,
+  Interface = 1,
+  DispInterface = 2,
+  Template = 3,
+  Struct = 4
+};
 
 /// Directive numbers: bit n of a method's 16-bit directive set.
 enum class TDirective : uint8_t {
@@ -50,18 +62,20 @@ enum class TDirective : uint8_t {
   Const = 14,
   Overload = 15,
 };
-constexpr uint16_t DirectiveBit(TDirective d) { return static_cast<uint16_t>(1u << static_cast<unsigned>(d)); }
+constexpr uint16_t DirectiveBit(TDirective d) {
+  return static_cast<uint16_t>(1u << static_cast<unsigned>(d));
+}
 
 /// Text options. One number means different things to different text forms, so each form
 /// names the flags it reads.
 enum TTextOption : unsigned {
-  toShowArguments = 1,   ///< display text of a method: with its arguments
-  toShortForm = 1,       ///< method declaration: name and parameter names only
-  toAbstractVirtual = 2, ///< method declaration: written as an abstract virtual method
-  toWithType = 2,        ///< short form of a field: with its type
-  toNamesOnly = 4,       ///< parameters: names only
-  toHeaderOnly = 8,      ///< implementation skeleton: without a body
-  toNoSpecifiers = 16,   ///< declaration of a property: without its specifiers
+  toShowArguments = 1,    ///< display text of a method: with its arguments
+  toShortForm = 1,        ///< method declaration: name and parameter names only
+  toAbstractVirtual = 2,  ///< method declaration: written as an abstract virtual method
+  toWithType = 2,         ///< short form of a field: with its type
+  toNamesOnly = 4,        ///< parameters: names only
+  toHeaderOnly = 8,       ///< implementation skeleton: without a body
+  toNoSpecifiers = 16,    ///< declaration of a property: without its specifiers
 };
 
 std::string_view LanguageText(TLanguage language);
@@ -77,7 +91,9 @@ int CompareNames(std::string_view a, std::string_view b, TLanguage language);
 inline bool SameName(std::string_view a, std::string_view b, TLanguage language) {
   return CompareNames(a, b, language) == 0;
 }
-inline bool IsCpp(TLanguage language) { return language == TLanguage::Cpp; }
+inline bool IsCpp(TLanguage language) {
+  return language == TLanguage::Cpp;
+}
 
 /// Base of every record a view can show. Threads: a record is changed only by the thread
 /// that holds its class list's lock (or owns a private list).
@@ -135,7 +151,7 @@ class TCodeObject : public TNamedObject {
     EndOffset = offset;
   }
 
-  int32_t StartLine = -1;  ///< 1-based line where the declaration starts, -1 unknown
+  int32_t StartLine = -1;    ///< 1-based line where the declaration starts, -1 unknown
   int32_t StartOffset = -1;  ///< 0-based offset of its first character, -1 unknown
   int32_t EndLine = -1;
   int32_t EndOffset = -1;

@@ -10,7 +10,8 @@ namespace velmora {
 
 int TFileDescription::GetImageIndex() const {
   const size_t dot = Name.rfind('.');
-  const std::string ext = dot == std::string::npos ? std::string() : AnsiUpperCase(Name.substr(dot));
+  const std::string ext =
+      dot == std::string::npos ? std::string() : AnsiUpperCase(Name.substr(dot));
   if (ext == ".H" || ext == ".HPP" || ext == ".HXX") return 6;
   if (ext == ".CPP" || ext == ".C" || ext == ".CXX" || ext == ".CC") return 2;
   if (ext == ".PAS" || ext == ".DPR" || ext == ".DPK" || ext == ".INC") return 3;
@@ -33,7 +34,9 @@ void TFileDescription::SaveToStream(TStream& stream) const {
 
 // ---- TFilesList ----
 
-TFilesList::~TFilesList() { Clear(); }
+TFilesList::~TFilesList() {
+  Clear();
+}
 
 TFileDescription* TFilesList::Add(std::unique_ptr<TFileDescription> file) {
   if (!file) return nullptr;

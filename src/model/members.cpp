@@ -82,8 +82,8 @@ std::string TMethodDescription::GetDeclaration(unsigned options) const {
     }
     if (HasDirective(TDirective::ClassMethod)) s = "Class " + s;
     static constexpr std::pair<TDirective, std::string_view> kCalling[] = {
-        {TDirective::StdCall, "; stdcall"}, {TDirective::SafeCall, "; safecall"},
-        {TDirective::Cdecl, "; cdecl"},     {TDirective::Pascal, "; pascal"},
+        {TDirective::StdCall, "; stdcall"},   {TDirective::SafeCall, "; safecall"},
+        {TDirective::Cdecl, "; cdecl"},       {TDirective::Pascal, "; pascal"},
         {TDirective::Register, "; register"}, {TDirective::Overload, "; overload"},
     };
     for (const auto& [d, word] : kCalling)
@@ -153,7 +153,9 @@ void TMethodDescription::SaveFields(TStream& stream) const {
 
 // ---- TProcDescription ----
 
-int TProcDescription::GetImageIndex() const { return Kind == TMethodKind::Function ? 14 : 13; }
+int TProcDescription::GetImageIndex() const {
+  return Kind == TMethodKind::Function ? 14 : 13;
+}
 
 void TProcDescription::LoadFields(TStream& stream) {
   TMethodDescription::LoadFields(stream);
@@ -168,7 +170,8 @@ void TProcDescription::SaveFields(TStream& stream) const {
 // ---- TPropertyDescription ----
 
 void TPropertyDescription::LoadFromStream(TStream& stream) {
-  for (std::string* s : {&IndexParams, &IndexSpec, &ReadSpec, &WriteSpec, &StoredSpec, &DefaultSpec})
+  for (std::string* s :
+       {&IndexParams, &IndexSpec, &ReadSpec, &WriteSpec, &StoredSpec, &DefaultSpec})
     *s = LoadString(stream);
 }
 
@@ -205,8 +208,10 @@ std::string TFieldDescription::GetDeclaration(unsigned options) const {
     if (specifiers) {
       std::string list;
       const std::pair<const char*, const std::string*> specs[] = {
-          {"index = ", &prop->IndexSpec}, {"read = ", &prop->ReadSpec},
-          {"write = ", &prop->WriteSpec}, {"stored = ", &prop->StoredSpec},
+          {"index = ", &prop->IndexSpec},
+          {"read = ", &prop->ReadSpec},
+          {"write = ", &prop->WriteSpec},
+          {"stored = ", &prop->StoredSpec},
           {"default = ", &prop->DefaultSpec}};
       for (const auto& [key, value] : specs) {
         if (value->empty()) continue;
@@ -225,9 +230,11 @@ std::string TFieldDescription::GetDeclaration(unsigned options) const {
   if (prop && !prop->IndexParams.empty()) s += " [" + prop->IndexParams + "]";
   s += ": " + FieldType;
   if (specifiers) {
-    const std::pair<const char*, const std::string*> specs[] = {
-        {" Index ", &prop->IndexSpec}, {" read ", &prop->ReadSpec}, {" write ", &prop->WriteSpec},
-        {" stored ", &prop->StoredSpec}, {" default ", &prop->DefaultSpec}};
+    const std::pair<const char*, const std::string*> specs[] = {{" Index ", &prop->IndexSpec},
+                                                                {" read ", &prop->ReadSpec},
+                                                                {" write ", &prop->WriteSpec},
+                                                                {" stored ", &prop->StoredSpec},
+                                                                {" default ", &prop->DefaultSpec}};
     for (const auto& [key, value] : specs)
       if (!value->empty()) s += key + *value;
   }
@@ -258,9 +265,13 @@ void TFieldDescription::SaveFields(TStream& stream) const {
 // ---- TMethodDescriptionList ----
 
 TMethodDescriptionList::TMethodDescriptionList(TLanguage language, TClassDescription* ownerClass)
-    : Index(true, TDuplicates::Accept, IsCpp(language)), OwnerClass(ownerClass), Language(language) {}
+    : Index(true, TDuplicates::Accept, IsCpp(language)),
+      OwnerClass(ownerClass),
+      Language(language) {}
 
-TMethodDescriptionList::~TMethodDescriptionList() { Clear(); }
+TMethodDescriptionList::~TMethodDescriptionList() {
+  Clear();
+}
 
 TMethodDescription* TMethodDescriptionList::Add(std::unique_ptr<TMethodDescription> method) {
   if (IsReference || !method) return nullptr;

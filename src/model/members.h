@@ -130,7 +130,9 @@ class TMethodDescriptionList : public TRepObject {
   ~TMethodDescriptionList() override;
 
   int Count() const { return Index.Count(); }
-  TMethodDescription* Items(int i) const { return static_cast<TMethodDescription*>(Index.Objects(i)); }
+  TMethodDescription* Items(int i) const {
+    return static_cast<TMethodDescription*>(Index.Objects(i));
+  }
   /// Indexes `method` under its current name (set the name first) and takes ownership.
   /// A reference list owns nothing: it refuses (frees `method`, returns null); use
   /// AddReference.
@@ -232,7 +234,8 @@ class TFieldDescriptionList {
   /// The parsers' way in: the field of that name, or a new one at the end; gets `type`,
   /// `visibility`, this list's owner class and Valid set. Property marks, modifier and
   /// positions are the caller's.
-  TFieldDescription* FindOrAdd(std::string_view name, std::string_view type, TVisibility visibility);
+  TFieldDescription* FindOrAdd(std::string_view name, std::string_view type,
+                               TVisibility visibility);
   /// Adds one field per declarator of a declaration that names several: Pascal
   /// "A, B: Integer"; C++ "int a, *b, c[3]" (the type of the first declarator without its
   /// `*`/`&` is the base of the others; array bounds go to Modifier). Each is found or

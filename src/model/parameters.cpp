@@ -16,7 +16,9 @@ bool IsIdentChar(char c) {
          u == '$' || u >= 128;
 }
 
-bool IsBlank(char c) { return static_cast<unsigned char>(c) <= 32; }
+bool IsBlank(char c) {
+  return static_cast<unsigned char>(c) <= 32;
+}
 
 // Index just past the literal that starts at `i` (a quote character); a literal that does
 // not close runs to the end. C++ literals know backslash escapes, Pascal doubles its quote.
@@ -36,8 +38,12 @@ size_t SkipLiteral(std::string_view s, size_t i, bool cpp) {
   return s.size();
 }
 
-bool IsOpen(char c) { return c == '(' || c == '[' || c == '{'; }
-bool IsClose(char c) { return c == ')' || c == ']' || c == '}'; }
+bool IsOpen(char c) {
+  return c == '(' || c == '[' || c == '{';
+}
+bool IsClose(char c) {
+  return c == ')' || c == ']' || c == '}';
+}
 
 // A '=' that assigns, not one of "==", "<=", ">=", "!=".
 bool IsAssign(std::string_view s, size_t i) {
@@ -93,9 +99,7 @@ size_t FindTopLevel(std::string_view s, char target, bool cpp, bool angles) {
       i = SkipLiteral(s, i, cpp);
       continue;
     }
-    if (depth == 0 && angleDepth == 0 && c == target &&
-        (target != '=' || IsAssign(s, i)))
-      return i;
+    if (depth == 0 && angleDepth == 0 && c == target && (target != '=' || IsAssign(s, i))) return i;
     if (IsOpen(c)) {
       ++depth;
     } else if (IsClose(c)) {
@@ -116,9 +120,10 @@ bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> word
 
 // Words that can end a C++ type but never name a parameter.
 bool IsTypeWord(std::string_view w) {
-  return IsOneOf(w, {"int", "char", "short", "long", "unsigned", "signed", "float", "double", "bool",
-                     "void", "wchar_t", "char8_t", "char16_t", "char32_t", "auto", "__int8",
-                     "__int16", "__int32", "__int64", "const", "volatile", "__closure"});
+  return IsOneOf(
+      w, {"int",     "char",    "short",   "long",    "unsigned", "signed",   "float", "double",
+          "bool",    "void",    "wchar_t", "char8_t", "char16_t", "char32_t", "auto",  "__int8",
+          "__int16", "__int32", "__int64", "const",   "volatile", "__closure"});
 }
 
 // Words after which an identifier is still the type: `struct tm`, `const TFoo`.
@@ -347,7 +352,8 @@ void TParameterList::LoadFromStream(TStream& stream) {
   Items.clear();
   // Each parameter takes at least 16 bytes, so a damaged count ends at the first short
   // read instead of growing the list.
-  for (uint32_t n = LoadU32(stream); n > 0; --n) Items.emplace_back(Language).LoadFromStream(stream);
+  for (uint32_t n = LoadU32(stream); n > 0; --n)
+    Items.emplace_back(Language).LoadFromStream(stream);
 }
 
 void TParameterList::SaveToStream(TStream& stream) const {

@@ -65,7 +65,9 @@ TRepresentations::TRepresentations(TRepresentationManager& manager) : manager_(m
   manager_.Register(this);
 }
 
-TRepresentations::~TRepresentations() { manager_.Unregister(this); }
+TRepresentations::~TRepresentations() {
+  manager_.Unregister(this);
+}
 
 TRepresentation* TRepresentations::Get(int slot) {
   std::lock_guard lock(manager_.mutex_);

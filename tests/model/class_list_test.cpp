@@ -58,21 +58,25 @@ TEST(MethodListTest, OverloadsKeepDeclarationOrderAndCaseFollowsLanguage) {
 
 TEST(MethodListTest, FindOrAddReusesWhatItCan) {
   TMethodDescriptionList list(C);
-  TMethodDescription* f = list.FindOrAdd("f", Params(C, "int a"), "void", TVisibility::Public,
-                                         TMethodKind::Procedure);
+  TMethodDescription* f =
+      list.FindOrAdd("f", Params(C, "int a"), "void", TVisibility::Public, TMethodKind::Procedure);
   // Same parameter types under other names: the same method, updated.
-  EXPECT_EQ(list.FindOrAdd("f", Params(C, "int b"), "int", TVisibility::Private, TMethodKind::Function), f);
+  EXPECT_EQ(
+      list.FindOrAdd("f", Params(C, "int b"), "int", TVisibility::Private, TMethodKind::Function),
+      f);
   EXPECT_EQ(f->ResultType, "int");
   EXPECT_EQ(f->Visibility, TVisibility::Private);
   EXPECT_EQ(f->Parameters[0].Name, "b");
   // A valid f with other parameters: a new overload.
-  TMethodDescription* g = list.FindOrAdd("f", Params(C, "long"), "", TVisibility::Public,
-                                         TMethodKind::Procedure);
+  TMethodDescription* g =
+      list.FindOrAdd("f", Params(C, "long"), "", TVisibility::Public, TMethodKind::Procedure);
   EXPECT_NE(g, f);
   // Re-parse: the only h, still unseen, changed its signature and keeps its object.
-  TMethodDescription* h = list.FindOrAdd("h", Params(C, "int"), "", TVisibility::Public, TMethodKind::Procedure);
+  TMethodDescription* h =
+      list.FindOrAdd("h", Params(C, "int"), "", TVisibility::Public, TMethodKind::Procedure);
   list.SetValid(false);
-  EXPECT_EQ(list.FindOrAdd("h", Params(C, "char"), "", TVisibility::Public, TMethodKind::Procedure), h);
+  EXPECT_EQ(list.FindOrAdd("h", Params(C, "char"), "", TVisibility::Public, TMethodKind::Procedure),
+            h);
   EXPECT_TRUE(h->Valid);
   // An overloaded name is never guessed: f(char) is new.
   EXPECT_EQ(list.Count(), 3);
@@ -83,9 +87,10 @@ TEST(MethodListTest, FindOrAddReusesWhatItCan) {
 TEST(ClassDescriptionTest, SetValidAndRemoveWithValid) {
   TClasslist classes;
   TClassDescription* cls = classes.FindOrAdd("TFoo", C);
-  for (const char* name : {"a", "b", "c", "d"}) cls->Fields.FindOrAdd(name, "int", TVisibility::Public);
-  TMethodDescription* keep =
-      cls->Methods.FindOrAdd("Foo", Params(C, "char*"), "", TVisibility::Public, TMethodKind::Procedure);
+  for (const char* name : {"a", "b", "c", "d"})
+    cls->Fields.FindOrAdd(name, "int", TVisibility::Public);
+  TMethodDescription* keep = cls->Methods.FindOrAdd("Foo", Params(C, "char*"), "",
+                                                    TVisibility::Public, TMethodKind::Procedure);
   cls->Methods.FindOrAdd("Foo", Params(C, "int"), "", TVisibility::Public, TMethodKind::Procedure);
   cls->Methods.FindOrAdd("foo", Params(C, ""), "", TVisibility::Public, TMethodKind::Procedure);
   TClassDescription* inner = cls->NestedClasses()->FindOrAdd("TInner", C);
@@ -99,7 +104,8 @@ TEST(ClassDescriptionTest, SetValidAndRemoveWithValid) {
   // ends must all go, which only a walk from the end does without skipping.
   cls->Fields.FindOrAdd("b", "int", TVisibility::Public);
   EXPECT_EQ(cls->Methods.FindOrAdd("Foo", Params(C, "char *"), "", TVisibility::Public,
-                                   TMethodKind::Procedure), keep);
+                                   TMethodKind::Procedure),
+            keep);
   cls->RemoveWithValid(false);
   ASSERT_EQ(cls->Fields.Count(), 1);
   EXPECT_EQ(cls->Fields.Items(0)->Name, "b");
@@ -129,8 +135,10 @@ TEST(FieldListTest, DeclaratorLists) {
   }
   // Pascal field names compare case-insensitively, C++ ones do not.
   TFieldDescriptionList pascal(nullptr, P), cpp(nullptr, C);
-  EXPECT_EQ(pascal.FindOrAdd("Foo", "T", TVisibility::Public), pascal.FindOrAdd("foo", "T", TVisibility::Public));
-  EXPECT_NE(cpp.FindOrAdd("Foo", "T", TVisibility::Public), cpp.FindOrAdd("foo", "T", TVisibility::Public));
+  EXPECT_EQ(pascal.FindOrAdd("Foo", "T", TVisibility::Public),
+            pascal.FindOrAdd("foo", "T", TVisibility::Public));
+  EXPECT_NE(cpp.FindOrAdd("Foo", "T", TVisibility::Public),
+            cpp.FindOrAdd("foo", "T", TVisibility::Public));
 }
 
 class CountingList : public TClasslist {
@@ -190,11 +198,15 @@ TEST(ClassListTest, ReferenceListNeverFreesAndAcceptsDuplicates) {
 TEST(RoutineListTest, FindOrAddPerFileAndSweepByFile) {
   TClasslist list;
   TRoutineList& r = list.Routines;
-  TProcDescription* fa = r.FindOrAdd("f", "a.h", C, Params(C, "int"), "int", TVisibility::Public, TMethodKind::Function);
-  TProcDescription* fb = r.FindOrAdd("f", "b.h", C, Params(C, "int"), "int", TVisibility::Public, TMethodKind::Function);
+  TProcDescription* fa = r.FindOrAdd("f", "a.h", C, Params(C, "int"), "int", TVisibility::Public,
+                                     TMethodKind::Function);
+  TProcDescription* fb = r.FindOrAdd("f", "b.h", C, Params(C, "int"), "int", TVisibility::Public,
+                                     TMethodKind::Function);
   EXPECT_NE(fa, fb);
   EXPECT_EQ(fa->Owner, &r);
-  EXPECT_EQ(r.FindOrAdd("f", "A.H", C, Params(C, "int x"), "int", TVisibility::Public, TMethodKind::Function), fa);
+  EXPECT_EQ(r.FindOrAdd("f", "A.H", C, Params(C, "int x"), "int", TVisibility::Public,
+                        TMethodKind::Function),
+            fa);
   r.FindOrAdd("g", "a.h", P, Params(P, ""), "", TVisibility::Public, TMethodKind::Procedure);
   EXPECT_EQ(r.Count(), 3);
 

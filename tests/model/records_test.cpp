@@ -22,10 +22,18 @@ std::string Saved(const T& record) {
 }
 
 // Little-endian bytes spelled out independently of the stream writer.
-std::string U8(unsigned v) { return std::string(1, static_cast<char>(v)); }
-std::string U16(unsigned v) { return U8(v & 0xFF) + U8(v >> 8); }
-std::string U32(uint32_t v) { return U16(v & 0xFFFF) + U16(v >> 16); }
-std::string Str(const std::string& s) { return U32(static_cast<uint32_t>(s.size())) + s; }
+std::string U8(unsigned v) {
+  return std::string(1, static_cast<char>(v));
+}
+std::string U16(unsigned v) {
+  return U8(v & 0xFF) + U8(v >> 8);
+}
+std::string U32(uint32_t v) {
+  return U16(v & 0xFFFF) + U16(v >> 16);
+}
+std::string Str(const std::string& s) {
+  return U32(static_cast<uint32_t>(s.size())) + s;
+}
 
 // The class list format of nested lists (count, then language byte and class each), which
 // a top-level list also uses for its classes.
@@ -48,18 +56,21 @@ void Fill(TClassDescription& cls) {
   cls.Guid = "00000000-0000-0000-C000-000000000046";
   TParameterList params(C);
   params.Parse("TObject* Sender, int a[2] = 5");
-  TMethodDescription* m =
-      cls.Methods.FindOrAdd("Click", params, "void", TVisibility::Published, TMethodKind::Procedure);
+  TMethodDescription* m = cls.Methods.FindOrAdd("Click", params, "void", TVisibility::Published,
+                                                TMethodKind::Procedure);
   m->SetDirective(TDirective::FastCall);
   m->SetDirective(TDirective::Overload);
   m->MessageName = "WM_SIZE";
-  cls.Methods.FindOrAdd("Click", TParameterList(C), "void", TVisibility::Private, TMethodKind::Procedure);
+  cls.Methods.FindOrAdd("Click", TParameterList(C), "void", TVisibility::Private,
+                        TMethodKind::Procedure);
   TFieldDescription* f = cls.Fields.FindOrAdd("FCount", "int", TVisibility::Private);
   f->Modifier = "[3]";
   TFieldDescription* p = cls.Fields.FindOrAdd("Count", "int", TVisibility::Published);
   p->SetIsProperty(true);
   *p->Property = {"int i", "1", "FCount", "SetCount", "true", "0"};
-  cls.NestedClasses()->FindOrAdd("TInner", P)->Fields.FindOrAdd("X", "Integer", TVisibility::Public);
+  cls.NestedClasses()
+      ->FindOrAdd("TInner", P)
+      ->Fields.FindOrAdd("X", "Integer", TVisibility::Public);
 }
 
 TEST(RecordsTest, ClassRoundTripKeepsEverythingAndLinksOwners) {
@@ -85,7 +96,8 @@ TEST(RecordsTest, ClassRoundTripKeepsEverythingAndLinksOwners) {
   ASSERT_EQ(cls->Fields.Count(), 2);
   EXPECT_EQ(cls->Fields.Items(1)->OwnerClass, cls);
   EXPECT_EQ(cls->Fields.Items(0)->GetDisplayText(toWithType), "int FCount[3]");
-  EXPECT_EQ(*cls->Fields.Items(1)->Property, (TPropertyDescription{"int i", "1", "FCount", "SetCount", "true", "0"}));
+  EXPECT_EQ(*cls->Fields.Items(1)->Property,
+            (TPropertyDescription{"int i", "1", "FCount", "SetCount", "true", "0"}));
   TClassDescription* inner = cls->NestedClasses()->Find("TInner");
   ASSERT_NE(inner, nullptr);
   EXPECT_EQ(inner->Language, P);
@@ -113,7 +125,7 @@ TEST(RecordsTest, SmallClassRecordBytes) {
   const std::string none = U32(0xFFFFFFFF);
   const std::string expected =
       Str("TA") + U8(0) + U32(1) + U32(2) + U32(3) + U32(4)  // code object
-      + U32(0) + Str("u") + U8(0) + Str("") + Str("")       // ancestors .. second string
+      + U32(0) + Str("u") + U8(0) + Str("") + Str("")        // ancestors .. second string
       + U32(1)                                               // methods
       + Str("M") + U8(0) + none + none + none + none + U8(1) + U8(3) + U16(0x8001) + Str("R") +
       Str("") + U32(1) + Str("X") + Str("var") + Str("T") + Str("") +
@@ -139,8 +151,10 @@ TEST(RecordsTest, OtherRecordsRoundTrip) {
   EXPECT_EQ(fileBack.Language, C);
 
   TRoutineList routines;
-  routines.FindOrAdd("f", "a.h", C, TParameterList(C), "int", TVisibility::Public, TMethodKind::Function);
-  routines.FindOrAdd("Init", "u.pas", P, TParameterList(P), "", TVisibility::Public, TMethodKind::Procedure);
+  routines.FindOrAdd("f", "a.h", C, TParameterList(C), "int", TVisibility::Public,
+                     TMethodKind::Function);
+  routines.FindOrAdd("Init", "u.pas", P, TParameterList(P), "", TVisibility::Public,
+                     TMethodKind::Procedure);
   TRoutineList routinesBack;
   TMemoryStream rs(Saved(routines));
   routinesBack.LoadFromStream(rs);

@@ -42,6 +42,7 @@ std::unique_ptr<TMethodDescription> Make(const MethodCase& c) {
 TEST(TextFormsTest, MethodDeclaration) {
   using K = TMethodKind;
   using D = TDirective;
+  // clang-format off
   const MethodCase cases[] = {
       {.lang = P, .name = "Foo", .expected = "procedure Foo;"},
       {.lang = P, .name = "Bar", .kind = K::Function, .result = "Boolean",
@@ -89,6 +90,7 @@ TEST(TextFormsTest, MethodDeclaration) {
       {.lang = C, .name = "==", .kind = K::Operator, .result = "bool", .params = "const T& o",
        .expected = "bool operator ==(const T& o);"},
   };
+  // clang-format on
   for (const MethodCase& c : cases)
     EXPECT_EQ(Make(c)->GetDeclaration(c.options), c.expected) << c.name << " / " << c.options;
 }
@@ -98,6 +100,7 @@ TEST(TextFormsTest, ImplementationSkeleton) {
   using D = TDirective;
   TClassDescription owner(nullptr, P);
   owner.Name = "TForm1";
+  // clang-format off
   const MethodCase cases[] = {
       {.lang = P, .name = "Foo", .kind = K::Function, .result = "Boolean", .params = "A: Integer",
        .dirs = Dirs({D::Virtual, D::StdCall}),
@@ -113,6 +116,7 @@ TEST(TextFormsTest, ImplementationSkeleton) {
       {.lang = C, .name = "==", .kind = K::Operator, .result = "bool", .params = "int a",
        .options = toHeaderOnly, .expected = "bool TForm1::operator ==(int a)\r\n"},
   };
+  // clang-format on
   for (const MethodCase& c : cases) {
     auto m = Make(c);
     m->SetOwnerClass(&owner);
@@ -129,6 +133,7 @@ TEST(TextFormsTest, ImplementationSkeleton) {
 
 TEST(TextFormsTest, MethodDisplayText) {
   using K = TMethodKind;
+  // clang-format off
   const MethodCase cases[] = {
       {.lang = P, .name = "Bar", .kind = K::Function, .result = "Boolean",
        .params = "A: Integer; var B: string", .options = 0, .expected = "Bar"},
@@ -145,11 +150,13 @@ TEST(TextFormsTest, MethodDisplayText) {
       {.lang = C, .name = "Get", .kind = K::Function, .result = "int", .params = "int a",
        .options = toShowArguments | toNamesOnly, .expected = "int Get( a)"},
   };
+  // clang-format on
   for (const MethodCase& c : cases)
     EXPECT_EQ(Make(c)->GetDisplayText(c.options), c.expected) << c.name << " / " << c.options;
 }
 
 TEST(TextFormsTest, Parameters) {
+  // clang-format off
   struct Case {
     TLanguage lang;
     const char *name, *modifier, *type, *value;
@@ -165,6 +172,7 @@ TEST(TextFormsTest, Parameters) {
       {C, "", "", "TObject*", "", 0, "TObject*"},
       {C, "a", "[2]", "int", "", toNamesOnly, " a"},
   };
+  // clang-format on
   for (const Case& c : cases) {
     TParameter p(c.lang);
     p.Name = c.name;
@@ -176,6 +184,7 @@ TEST(TextFormsTest, Parameters) {
 }
 
 TEST(TextFormsTest, Fields) {
+  // clang-format off
   struct Case {
     TLanguage lang;
     const char *name, *type, *modifier;
@@ -205,6 +214,7 @@ TEST(TextFormsTest, Fields) {
       {C, "Count", "int", "", true, {}, "Count", "int Count", "__property int Count;",
        "__property int Count;"},
   };
+  // clang-format on
   for (const Case& c : cases) {
     TFieldDescription f(nullptr, c.lang);
     f.Name = c.name;
@@ -220,6 +230,7 @@ TEST(TextFormsTest, Fields) {
 }
 
 TEST(TextFormsTest, ClassHeaderAndDirectAncestor) {
+  // clang-format off
   struct Case {
     TLanguage lang;
     TClassKind kind;
@@ -236,6 +247,7 @@ TEST(TextFormsTest, ClassHeaderAndDirectAncestor) {
       {C, TClassKind::Template, {{TVisibility::Protected, "B"}}, "B",
        "template <class T> class TForm1 : protected B"},
   };
+  // clang-format on
   for (const Case& c : cases) {
     TClassDescription cls(nullptr, c.lang);
     cls.Name = "TForm1";
@@ -254,12 +266,14 @@ TEST(TextFormsTest, EnumerationTextsOutsideTheTablesAreEmpty) {
   EXPECT_EQ(MethodKindText(static_cast<TMethodKind>(9)), "");
   EXPECT_EQ(ClassKindText(TClassKind::DispInterface), "dispatch interface");
   EXPECT_EQ(LanguageText(C), "C++");
+  // clang-format off
   struct Case {
     int n;
     const char *pascal, *cpp;
   } cases[] = {{0, "virtual", "virtual"}, {1, "dynamic", ""}, {3, "abstract", "abstract (pure virtual)"},
                {6, "class method", ""},   {11, "", "__fastcall"},  {13, "", "implicit inline"},
                {15, "overload", ""},      {16, "", ""},            {-1, "", ""}};
+  // clang-format on
   for (const Case& c : cases) {
     EXPECT_EQ(DirectiveText(c.n, P), c.pascal) << c.n;
     EXPECT_EQ(DirectiveText(c.n, C), c.cpp) << c.n;
@@ -269,6 +283,7 @@ TEST(TextFormsTest, EnumerationTextsOutsideTheTablesAreEmpty) {
 TEST(TextFormsTest, ImageIndexes) {
   using V = TVisibility;
   using K = TMethodKind;
+  // clang-format off
   struct MethodImage {
     K kind;
     V vis;
@@ -278,12 +293,14 @@ TEST(TextFormsTest, ImageIndexes) {
                  {K::Function, V::Private, 7},     {K::Constructor, V::Private, 11},
                  {K::Destructor, V::Public, 12},   {K::Operator, V::Published, 17},
                  {K::Operator, V::Protected, 18},  {K::Operator, V::Private, 19}};
+  // clang-format on
   for (const MethodImage& c : methods) {
     TMethodDescription m("m", C);
     m.Kind = c.kind;
     m.Visibility = c.vis;
     EXPECT_EQ(m.GetImageIndex(), c.image) << int(c.kind) << "/" << int(c.vis);
   }
+  // clang-format off
   struct FieldImage {
     V vis;
     bool property;
@@ -291,6 +308,7 @@ TEST(TextFormsTest, ImageIndexes) {
   } fields[] = {{V::Public, false, 2},   {V::Automated, false, 2}, {V::Protected, false, 3},
                 {V::Private, false, 4},  {V::Published, true, 8},  {V::Protected, true, 9},
                 {V::Private, true, 10}};
+  // clang-format on
   for (const FieldImage& c : fields) {
     TFieldDescription f(nullptr, P);
     f.Visibility = c.vis;
@@ -300,6 +318,7 @@ TEST(TextFormsTest, ImageIndexes) {
   const TInheritsFromFunc fromForm = [](const TClassDescription& cls, std::string_view name) {
     return name == "TForm" && cls.Name == "TForm1";
   };
+  // clang-format off
   struct ClassImage {
     const char* name;
     TClassKind kind;
@@ -307,6 +326,7 @@ TEST(TextFormsTest, ImageIndexes) {
   } classes[] = {{"TForm1", TClassKind::Class, 16},     {"TList", TClassKind::Class, 1},
                  {"IFoo", TClassKind::Interface, 15},   {"IDisp", TClassKind::DispInterface, 15},
                  {"TForm1", TClassKind::Template, 20},  {"TForm1", TClassKind::Struct, 21}};
+  // clang-format on
   for (const ClassImage& c : classes) {
     TClassDescription cls(nullptr, C);
     cls.Name = c.name;

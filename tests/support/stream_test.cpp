@@ -25,7 +25,8 @@ TEST(StreamTest, LittleEndianEncodings) {
   out.WriteBool(true);
   out.WriteFixed("xy");
   out.WriteString("");
-  const std::string expected("\x12\x56\x34\xDE\xBC\x9A\x78\xFE\xFF\xFF\xFF\x02\0\0\0hi\x01xy\0\0\0\0", 24);
+  const std::string expected(
+      "\x12\x56\x34\xDE\xBC\x9A\x78\xFE\xFF\xFF\xFF\x02\0\0\0hi\x01xy\0\0\0\0", 24);
   EXPECT_EQ(out.Data(), expected);
 
   TMemoryStream in(expected);
@@ -49,28 +50,63 @@ TEST(StreamTest, ShortReadsFailForEveryWidth) {
     std::function<bool(TStream&)> tryRead;
     std::function<void(TStream&)> read;
   } cases[] = {
-      {"u8", "", [](TStream& s) { uint8_t v = 7; return s.TryReadU8(v) || v != 7; },
+      {"u8", "",
+       [](TStream& s) {
+         uint8_t v = 7;
+         return s.TryReadU8(v) || v != 7;
+       },
        [](TStream& s) { s.ReadU8(); }},
-      {"u16", "\x01", [](TStream& s) { uint16_t v = 7; return s.TryReadU16(v) || v != 7; },
+      {"u16", "\x01",
+       [](TStream& s) {
+         uint16_t v = 7;
+         return s.TryReadU16(v) || v != 7;
+       },
        [](TStream& s) { s.ReadU16(); }},
-      {"u32", "\x01\x02\x03", [](TStream& s) { uint32_t v = 7; return s.TryReadU32(v) || v != 7; },
+      {"u32", "\x01\x02\x03",
+       [](TStream& s) {
+         uint32_t v = 7;
+         return s.TryReadU32(v) || v != 7;
+       },
        [](TStream& s) { s.ReadU32(); }},
-      {"i32", "\x01\x02\x03", [](TStream& s) { int32_t v = 7; return s.TryReadI32(v) || v != 7; },
+      {"i32", "\x01\x02\x03",
+       [](TStream& s) {
+         int32_t v = 7;
+         return s.TryReadI32(v) || v != 7;
+       },
        [](TStream& s) { s.ReadI32(); }},
-      {"bool", "", [](TStream& s) { bool v = true; return s.TryReadBool(v) || !v; },
+      {"bool", "",
+       [](TStream& s) {
+         bool v = true;
+         return s.TryReadBool(v) || !v;
+       },
        [](TStream& s) { s.ReadBool(); }},
       {"string count", std::string("\x05\0\0", 3),
-       [](TStream& s) { std::string v = "keep"; return s.TryReadString(v) || v != "keep"; },
+       [](TStream& s) {
+         std::string v = "keep";
+         return s.TryReadString(v) || v != "keep";
+       },
        [](TStream& s) { s.ReadString(); }},
       {"string body", std::string("\x05\0\0\0abcd", 8),
-       [](TStream& s) { std::string v = "keep"; return s.TryReadString(v) || v != "keep"; },
+       [](TStream& s) {
+         std::string v = "keep";
+         return s.TryReadString(v) || v != "keep";
+       },
        [](TStream& s) { s.ReadString(); }},
       {"string above its maximum", std::string("\x05\0\0\0abcde", 9),
-       [](TStream& s) { std::string v = "keep"; return s.TryReadString(v, 4) || v != "keep"; },
+       [](TStream& s) {
+         std::string v = "keep";
+         return s.TryReadString(v, 4) || v != "keep";
+       },
        [](TStream& s) { s.ReadString(4); }},
       // A damaged count far beyond the data must not be allocated.
-      {"huge string count", std::string("\xFF\xFF\xFF\xFF" "ab", 6),
-       [](TStream& s) { std::string v; return s.TryReadString(v); },
+      {"huge string count",
+       std::string("\xFF\xFF\xFF\xFF"
+                   "ab",
+                   6),
+       [](TStream& s) {
+         std::string v;
+         return s.TryReadString(v);
+       },
        [](TStream& s) { s.ReadString(); }},
   };
   for (const Case& c : cases) {
@@ -114,7 +150,8 @@ class TempDir : public ::testing::Test {
     std::vector<std::string> names;
     if (DIR* d = ::opendir(dir_.c_str())) {
       while (dirent* e = ::readdir(d))
-        if (std::string(e->d_name) != "." && std::string(e->d_name) != "..") names.push_back(e->d_name);
+        if (std::string(e->d_name) != "." && std::string(e->d_name) != "..")
+          names.push_back(e->d_name);
       ::closedir(d);
     }
     return names;

@@ -10,7 +10,9 @@
 namespace velmora {
 namespace {
 
-void* Id(intptr_t n) { return reinterpret_cast<void*>(n); }
+void* Id(intptr_t n) {
+  return reinterpret_cast<void*>(n);
+}
 
 // "text+object" of every entry, e.g. "A2 b1".
 std::string Contents(const TStringList& list) {
@@ -73,7 +75,7 @@ TEST(StringListTest, FindGivesTheFirstEqualEntryOrTheInsertionPoint) {
     const char* text;
     bool found;
     int index;
-  } cases[] = {{"BANANA", true, 1}, {"b", false, 1},  {"zzz", false, 4},
+  } cases[] = {{"BANANA", true, 1}, {"b", false, 1},    {"zzz", false, 4},
                {"", false, 0},      {"apple", true, 0}, {"cherries", false, 3}};
   for (const Case& c : cases) {
     int index = -1;
