@@ -109,7 +109,7 @@ void TCPPTokenizer::AdjustLineForComment(int32_t offset, int kind) {
 
 void TCPPTokenizer::Tokenize() {
   const auto* const s = reinterpret_cast<const unsigned char*>(text_);
-  TTokenWriter out(offsets_, kinds_, scan::EstimateTokenCount(textSize_));
+  TTokenSink out = BeginTokens(scan::EstimateTokenCount(textSize_));
   int32_t p = 0;
   for (;;) {
     const int32_t start = p;
@@ -119,7 +119,8 @@ void TCPPTokenizer::Tokenize() {
     // be the NUL, so no read goes past the terminator.
     switch (kClass[c]) {
       case cEnd:
-        out.Add(p, ctEndOfText);
+        AddToken(out, p, ctEndOfText);
+        EndTokens(out);
         return;
       case cBlank:
         p = scan::SkipBlanks(s, p + 1);
@@ -142,7 +143,7 @@ void TCPPTokenizer::Tokenize() {
         kind = ctIdentifier;
         const int length = p - start;
         if (length <= kMaxKeywordLength) {
-          const int place = kKeywordTable.Find(keywords::Pack(s + start, length, keywords::Same));
+          const int place = kKeywordTable.Find(keywords::PackRun(s, start, p));
           if (place >= 0) kind = kFirstKeywordKind + place;
         }
         break;
@@ -166,7 +167,7 @@ void TCPPTokenizer::Tokenize() {
           const int length = p - start - 1;
           if (length <= keywords::kMaxLength) {
             const int place =
-                kDirectiveTable.Find(keywords::Pack(s + start + 1, length, keywords::Same));
+                kDirectiveTable.Find(keywords::Pack(s + start + 1, length));
             if (place >= 0) kind = kDirectiveKinds[place];
           }
         } else {
@@ -299,7 +300,7 @@ void TCPPTokenizer::Tokenize() {
         p += 1, kind = ctUnknownChar;
         break;
     }
-    out.Add(start, kind);
+    AddToken(out, start, kind);
   }
 }
 

@@ -10,8 +10,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace velmora::keywords {
@@ -23,20 +25,42 @@ struct TPacked {
   uint64_t hi = 0;  // characters 8..15
 };
 
-/// Packs `length` (at most kMaxLength) characters, each passed through `fold`.
-template <typename Fold>
-constexpr TPacked Pack(const unsigned char* s, int length, Fold fold) {
+/// Packs `length` (at most kMaxLength) characters one at a time.
+constexpr TPacked Pack(const unsigned char* s, int length) {
   TPacked w;
   const int first = length < 8 ? length : 8;
-  for (int i = 0; i < first; ++i) w.lo |= uint64_t{fold(s[i])} << (8 * i);
-  for (int i = 8; i < length; ++i) w.hi |= uint64_t{fold(s[i])} << (8 * (i - 8));
+  for (int i = 0; i < first; ++i) w.lo |= uint64_t{s[i]} << (8 * i);
+  for (int i = 8; i < length; ++i) w.hi |= uint64_t{s[i]} << (8 * (i - 8));
   return w;
 }
 
-constexpr unsigned char Same(unsigned char c) { return c; }
-/// Lower case for the characters an identifier can hold (letters, digits, underscore).
-constexpr unsigned char LowerIdentChar(unsigned char c) {
-  return static_cast<unsigned char>(c + (static_cast<unsigned>(c - 'A') < 26u ? 32 : 0));
+/// Lower case for the packed characters of an identifier (letters, digits, underscore,
+/// all below 128, zero padding), eight at a time: a byte gets 0x20 added when it lies in
+/// 'A'..'Z'. The additions cannot carry from one byte into the next because every byte is
+/// below 0x80.
+constexpr uint64_t LowerIdentWord(uint64_t w) {
+  constexpr uint64_t kOnes = 0x0101010101010101u;
+  const uint64_t atLeastA = w + kOnes * (0x80 - 'A');
+  const uint64_t aboveZ = w + kOnes * (0x80 - 'Z' - 1);
+  return w | (((atLeastA & ~aboveZ) & kOnes * 0x80) >> 2);
+}
+
+/// Packs the identifier s[start, end), 1 to 16 characters long, with whole-word loads
+/// where it can. Every load lies inside [0, end): a short identifier is read as the eight
+/// characters ending with it, and only an identifier within the text's first eight
+/// characters goes one character at a time.
+inline TPacked PackRun(const unsigned char* s, int32_t start, int32_t end) {
+  const int length = end - start;
+  if constexpr (std::endian::native == std::endian::little) {
+    auto load = [](const unsigned char* at) {
+      uint64_t w;
+      std::memcpy(&w, at, sizeof w);
+      return w;
+    };
+    if (length > 8) return {load(s + start), load(s + end - 8) >> (8 * (16 - length))};
+    if (end >= 8) return {load(s + end - 8) >> (8 * (8 - length)), 0};
+  }
+  return Pack(s + start, length);
 }
 
 constexpr TPacked PackLiteral(std::string_view word) {

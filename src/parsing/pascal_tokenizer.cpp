@@ -96,7 +96,7 @@ void TPascalTokenizer::AdjustLineForComment(int32_t offset, int kind) {
 
 void TPascalTokenizer::Tokenize() {
   const auto* const s = reinterpret_cast<const unsigned char*>(text_);
-  TTokenWriter out(offsets_, kinds_, scan::EstimateTokenCount(textSize_));
+  TTokenSink out = BeginTokens(scan::EstimateTokenCount(textSize_));
   int32_t p = 0;
   for (;;) {
     const int32_t start = p;
@@ -105,7 +105,8 @@ void TPascalTokenizer::Tokenize() {
     // be the NUL, so no read goes past the terminator.
     switch (kClass[s[p]]) {
       case cEnd:
-        out.Add(p, ptEndOfText);
+        AddToken(out, p, ptEndOfText);
+        EndTokens(out);
         return;
       case cBlank:
         p = scan::SkipBlanks(s, p + 1);
@@ -128,8 +129,10 @@ void TPascalTokenizer::Tokenize() {
         kind = ptIdentifier;
         const int length = p - start;
         if (length <= kMaxKeywordLength) {
-          const int place =
-              kKeywordTable.Find(keywords::Pack(s + start, length, keywords::LowerIdentChar));
+          keywords::TPacked w = keywords::PackRun(s, start, p);
+          w.lo = keywords::LowerIdentWord(w.lo);
+          w.hi = keywords::LowerIdentWord(w.hi);
+          const int place = kKeywordTable.Find(w);
           if (place >= 0) kind = kFirstKeywordKind + place;
         }
         break;
@@ -201,7 +204,7 @@ void TPascalTokenizer::Tokenize() {
         p += 1, kind = ptUnknownChar;
         break;
     }
-    out.Add(start, kind);
+    AddToken(out, start, kind);
   }
 }
 

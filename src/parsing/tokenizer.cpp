@@ -1,39 +1,36 @@
 #include "parsing/tokenizer.h"
 
+#include <algorithm>
+
 namespace velmora {
 
-// ---- TTokenWriter ----
+// ---- TTokenizer ----
 
-TTokenWriter::TTokenWriter(TIList& offsets, TIList& kinds, int32_t expected)
-    : offsets_(offsets), kinds_(kinds) {
+TTokenizer::TTokenSink TTokenizer::Sink() {
+  const int32_t limit = std::min(offsets_.Capacity(), kinds_.Capacity());
+  return {offsets_.Items(), kinds_.Items(), offsets_.Count(), limit};
+}
+
+TTokenizer::TTokenSink TTokenizer::BeginTokens(int32_t expected) {
   // Both lists get the same room so that they stay in step; +1 because Add keeps a slot
   // spare.
-  const int32_t wanted = offsets.Count() + expected + 1;
-  if (offsets.Capacity() < wanted) offsets.SetCapacity(wanted);
-  if (kinds.Capacity() < wanted) kinds.SetCapacity(wanted);
-  Reload();
+  const int32_t wanted = offsets_.Count() + std::max(expected, 0) + 1;
+  if (offsets_.Capacity() < wanted) offsets_.SetCapacity(wanted);
+  if (kinds_.Capacity() < wanted) kinds_.SetCapacity(wanted);
+  return Sink();
 }
 
-void TTokenWriter::Reload() {
-  o_ = offsets_.Items();
-  k_ = kinds_.Items();
-  count_ = offsets_.Count();
-  limit_ = offsets_.Capacity() < kinds_.Capacity() ? offsets_.Capacity() : kinds_.Capacity();
-}
-
-void TTokenWriter::Commit() {
-  offsets_.SetCount(count_);
-  kinds_.SetCount(count_);
-}
-
-void TTokenWriter::AddSlow(int32_t offset, int kind) {
-  Commit();
+TTokenizer::TTokenSink TTokenizer::AddTokenGrowing(TTokenSink sink, int32_t offset, int kind) {
+  EndTokens(sink);
   offsets_.Add(offset);
   kinds_.Add(kind);
-  Reload();
+  return Sink();
 }
 
-// ---- TTokenizer ----
+void TTokenizer::EndTokens(TTokenSink sink) {
+  offsets_.SetCount(sink.count);
+  kinds_.SetCount(sink.count);
+}
 
 void TTokenizer::SetText(const char* text, int32_t size) {
   text_ = text;

@@ -120,6 +120,31 @@ class TTokenizer {
   /// Counts the CRs from `offset` up to the first `close` character or the NUL.
   void CountCRsUpTo(int32_t offset, char close);
 
+  /// A scanner's write position in the two lists. A plain value, so that it stays in
+  /// registers in the scanner's loop; the lists themselves are reached only when their
+  /// room runs out, and then through TIList::Add, so that they keep their growth rule.
+  struct TTokenSink {
+    int32_t* offsets;
+    int32_t* kinds;
+    int32_t count;  // entries written; the lists' Count lags behind until EndTokens
+    int32_t limit;  // the smaller capacity of the two lists
+  };
+  /// Reserves room for `expected` more tokens in both lists (an estimate: the lists still
+  /// grow by their own rule beyond it) and returns the sink that appends after them.
+  TTokenSink BeginTokens(int32_t expected);
+  /// Appends one token; no allocation unless the reserved room is used up.
+  void AddToken(TTokenSink& sink, int32_t offset, int kind) {
+    if (sink.count + 1 >= sink.limit) [[unlikely]] {
+      sink = AddTokenGrowing(sink, offset, kind);
+      return;
+    }
+    sink.offsets[sink.count] = offset;
+    sink.kinds[sink.count] = kind;
+    ++sink.count;
+  }
+  /// Hands the count back to the lists.
+  void EndTokens(TTokenSink sink);
+
   TIList offsets_;   // token start offsets, then the NUL's offset; same Count as kinds_
   TIList kinds_;     // token kinds, then 0 for the end of text
   const char* text_ = nullptr;  // the whole source, NUL-terminated, not owned
@@ -136,43 +161,9 @@ class TTokenizer {
   // counts every line end once instead of from the start each time.
   mutable int32_t cachedOffset_ = 0;
   mutable int32_t cachedLineEnds_ = 0;
-};
 
-/// Appends tokens to the two lists of a tokenizer from a scanner's inner loop. It keeps the
-/// write position in locals and reaches the lists only when a block is full, where it
-/// goes through TIList::Add so that the lists keep their growth rule. No allocation
-/// happens per token.
-class TTokenWriter {
- public:
-  /// Reserves room for `expected` tokens in both lists (an estimate; the lists still grow
-  /// by their own rule beyond it).
-  TTokenWriter(TIList& offsets, TIList& kinds, int32_t expected);
-  ~TTokenWriter() { Commit(); }
-  TTokenWriter(const TTokenWriter&) = delete;
-  TTokenWriter& operator=(const TTokenWriter&) = delete;
-
-  void Add(int32_t offset, int kind) {
-    if (count_ + 1 >= limit_) [[unlikely]] {
-      AddSlow(offset, kind);
-      return;
-    }
-    o_[count_] = offset;
-    k_[count_] = kind;
-    ++count_;
-  }
-  /// Hands the count back to the lists; the writer can be used on afterwards.
-  void Commit();
-
- private:
-  void AddSlow(int32_t offset, int kind);
-  void Reload();
-
-  TIList& offsets_;
-  TIList& kinds_;
-  int32_t* o_ = nullptr;
-  int32_t* k_ = nullptr;
-  int32_t count_ = 0;  // entries written; the lists' Count lags behind until Commit
-  int32_t limit_ = 0;  // the smaller capacity of the two lists
+  TTokenSink AddTokenGrowing(TTokenSink sink, int32_t offset, int kind);
+  TTokenSink Sink();
 };
 
 }  // namespace velmora

@@ -135,6 +135,10 @@ TEST(CppTokenizerTest, EveryKeywordHasTheKindOfItsPlace) {
   for (int place = 0; place < 94; ++place) {
     const std::string word = keywords[place];
     EXPECT_EQ(Scan<TCPPTokenizer>(word).kinds, std::vector<int>{10 + place}) << word;
+    // Also past the text's first eight characters, where the scanner reads whole words.
+    EXPECT_EQ(Scan<TCPPTokenizer>("12345678 " + word + ";").kinds,
+              (std::vector<int>{185, 1, 10 + place, 194}))
+        << word;
     EXPECT_EQ(CppTokenKindName(10 + place), "kw:" + word);
     // Near misses are identifiers: a character more, the first letter in upper case.
     EXPECT_EQ(Scan<TCPPTokenizer>(word + "x").kinds, std::vector<int>{172}) << word;

@@ -98,8 +98,13 @@ TEST(PascalTokenizerTest, EveryKeywordHasTheKindOfItsPlaceInAnyCase) {
       upper[i] -= 32;
       if (i % 2 == 0) mixed[i] -= 32;
     }
-    for (const std::string& text : {word, upper, mixed})
+    for (const std::string& text : {word, upper, mixed}) {
       EXPECT_EQ(Scan<TPascalTokenizer>(text).kinds, std::vector<int>{10 + place}) << text;
+      // Also past the text's first eight characters, where the scanner reads whole words.
+      EXPECT_EQ(Scan<TPascalTokenizer>("12345678 " + text + ";").kinds,
+                (std::vector<int>{134, 1, 10 + place, 139}))
+          << text;
+    }
     EXPECT_EQ(PascalTokenKindName(10 + place), "kw:" + word);
     EXPECT_EQ(Scan<TPascalTokenizer>(word + "1").kinds, std::vector<int>{127}) << word;
   }
