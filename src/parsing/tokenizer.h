@@ -48,9 +48,10 @@ class TTokenizer {
   TTokenizer& operator=(const TTokenizer&) = delete;
 
   /// Tokenizes `text` up to its first NUL, which the caller guarantees; `size` is kept for
-  /// the users and not used by the scan. The text is not copied
-  /// and must outlive the tokenizer. A tokenizer takes exactly one text in its life: the
-  /// lists are not cleared, and Line and the last visited index are not reset.
+  /// the users and not used by the scan. The text is not copied and must outlive the
+  /// tokenizer, and it must be shorter than 2 GiB (offsets are 32-bit). A tokenizer takes
+  /// exactly one text in its life: the lists are not cleared, and Line and the last
+  /// visited index are not reset.
   void SetText(const char* text, int32_t size);
 
   /// The index of the end-of-text entry.
