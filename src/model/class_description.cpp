@@ -2,6 +2,7 @@
 
 #include "model/class_info_error.h"
 #include "model/class_list.h"
+#include "model/domains.h"
 #include "support/ansi.h"
 #include "support/stream.h"
 
@@ -93,7 +94,11 @@ TClassDescription::TClassDescription(TCommonClassList* ownerList, TLanguage lang
       Methods(language, this),
       Fields(this, language) {}
 
-TClassDescription::~TClassDescription() = default;
+// A domain keeps plain pointers to its classes; whichever way a class goes, it leaves no
+// dangling entry behind.
+TClassDescription::~TClassDescription() {
+  if (Domain) Domain->RemoveClass(this, false);
+}
 
 TCommonClassList* TClassDescription::NestedClasses() {
   if (!nestedClasses_)

@@ -1,6 +1,7 @@
 #include "model/class_list.h"
 
 #include "model/class_info_error.h"
+#include "model/class_info_format.h"
 #include "support/ansi.h"
 #include "support/stream.h"
 
@@ -76,9 +77,11 @@ void TCommonClassList::LoadFromStream(TStream& stream) {
     const auto language = static_cast<TLanguage>(LoadU8(stream));
     auto cls = std::make_unique<TClassDescription>(this, language);
     cls->LoadFromStream(stream);
-    if (Find(cls->Name) && !IsReference) continue;  // an owning list keeps the first of a name
+    // A reference list owns nothing, so what it reads is dropped; an owning list keeps the
+    // first class of a name.
+    if (IsReference || Find(cls->Name)) continue;
     Index.Add(cls->Name, cls.get());
-    if (!IsReference) cls.release();
+    cls.release();
   }
 }
 
@@ -110,6 +113,49 @@ void TCommonClassList::NotifyAll(int index) {
   for (int i = 0; i < Count(); ++i) Items(i)->NotifyAll(index);
 }
 
+void TCommonClassList::MergeFrom(const TCommonClassList& a, const TCommonClassList& b) {
+  Clear();
+  int i = 0, j = 0;
+  while (i < a.Count() && j < b.Count()) {
+    if (CompareText(a.Items(i)->Name, b.Items(j)->Name) <= 0)
+      AddReference(a.Items(i++));
+    else
+      AddReference(b.Items(j++));
+  }
+  while (i < a.Count()) AddReference(a.Items(i++));
+  while (j < b.Count()) AddReference(b.Items(j++));
+}
+
+void TCommonClassList::GetAncestorChain(const TClassDescription& cls,
+                                        std::vector<TClassDescription*>& result) const {
+  std::string name = cls.GetDirectAncestorName();
+  for (int steps = Count(); steps > 0; --steps) {
+    TClassDescription* found = Find(name);
+    if (!found) return;
+    result.push_back(found);
+    name = found->GetDirectAncestorName();
+    if (name.empty() || SameName(name, found->Name, found->Language)) return;
+  }
+}
+
+bool TCommonClassList::InheritsFrom(const TCommonClassList* listA, const TCommonClassList* listB,
+                                    std::string_view ancestorName, const TClassDescription& cls) {
+  // Without a cycle every step reaches a class not visited before, so more steps than
+  // both lists have classes means the chain runs in a circle.
+  int steps = (listA ? listA->Count() : 0) + (listB ? listB->Count() : 0) + 1;
+  const TClassDescription* current = &cls;
+  for (; steps > 0; --steps) {
+    const std::string name = current->GetDirectAncestorName();
+    if (SameName(name, ancestorName, current->Language)) return true;
+    if (SameName(name, current->Name, current->Language)) return false;
+    const TClassDescription* next = listA ? listA->Find(name) : nullptr;
+    if (!next && listB) next = listB->Find(name);
+    if (!next) return false;
+    current = next;
+  }
+  return false;
+}
+
 // ---- TClasslist ----
 
 TClasslist::TClasslist() = default;
@@ -117,8 +163,8 @@ TClasslist::TClasslist() = default;
 TClasslist::~TClasslist() = default;
 
 void TClasslist::Clear() {
+  Domains.Clear();
   TCommonClassList::Clear();
-  // Domains: empty the domain list here.
   Routines.Clear();
 }
 
@@ -129,7 +175,7 @@ void TClasslist::SetReference(bool isReference) {
 
 void TClasslist::ClassAdded(TClassDescription* cls) {
   TCommonClassList::ClassAdded(cls);
-  // Domains: the first domain naming the class links to it here.
+  Domains.ClassAdded(cls);
 }
 
 void TClasslist::Mark(std::optional<std::string_view> unitName, bool flag) {
@@ -143,14 +189,51 @@ void TClasslist::Sweep(bool flag, std::optional<std::string_view> unitName) {
 }
 
 void TClasslist::ClassRemoved(TClassDescription* cls) {
-  // Domains: take the class out of its domain (keeping its name) here, before it is freed.
+  // The name stays with the domain, so the class returns to it if a re-parse finds it again.
+  if (cls->Domain) cls->Domain->RemoveClass(cls, false);
   TCommonClassList::ClassRemoved(cls);
 }
 
 void TClasslist::NotifyAll(int index) {
   TCommonClassList::NotifyAll(index);
   Routines.NotifyAll(index);
-  // Domains: signal the domains here.
+  Domains.NotifyAll(index);
+}
+
+void TClasslist::LoadFromStream(TStream& stream) {
+  Clear();
+  Domains.LoadFromStream(stream, true);
+  if (LoadU32(stream) != kClassMarker) throw EClassInfoFileError(kFilesAndDomainsRestored, 2);
+  ListString = LoadString(stream);
+  TCommonClassList::LoadFromStream(stream);
+  Domains.LinkClasses();
+  Routines.LoadFromStream(stream);
+  Includes.LoadFromStream(stream);
+}
+
+void TClasslist::SaveToStream(TStream& stream) const {
+  Domains.SaveToStream(stream, true);
+  stream.WriteU32(kClassMarker);
+  stream.WriteString(ListString);
+  TCommonClassList::SaveToStream(stream);
+  Routines.SaveToStream(stream);
+  Includes.SaveToStream(stream);
+}
+
+void TClasslist::MergeFrom(const TClasslist& a, const TClasslist& b) {
+  TCommonClassList::MergeFrom(a, b);
+  Routines.Clear();
+  const TRoutineList& ra = a.Routines;
+  const TRoutineList& rb = b.Routines;
+  int i = 0, j = 0;
+  while (i < ra.Count() && j < rb.Count()) {
+    if (CompareText(ra.Items(i)->Name, rb.Items(j)->Name) <= 0)
+      Routines.AddReference(ra.Items(i++));
+    else
+      Routines.AddReference(rb.Items(j++));
+  }
+  while (i < ra.Count()) Routines.AddReference(ra.Items(i++));
+  while (j < rb.Count()) Routines.AddReference(rb.Items(j++));
 }
 
 }  // namespace velmora

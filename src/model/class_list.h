@@ -13,8 +13,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "model/class_description.h"
+#include "model/domains.h"
 #include "model/files.h"
 #include "model/members.h"
 #include "support/stringlist.h"
@@ -72,6 +74,24 @@ class TCommonClassList {
   /// Changed(index) on every class and all it holds.
   virtual void NotifyAll(int index);
 
+  /// Fills this list (emptied first) with the classes of `a` and `b` in one name order:
+  /// the two are walked side by side, the name that sorts first (case-insensitive) going
+  /// first, `a`'s on a tie. Only a reference list takes them.
+  void MergeFrom(const TCommonClassList& a, const TCommonClassList& b);
+  /// Appends to `result` the ancestors of `cls` found in this list, nearest first: each
+  /// class's direct ancestor name looked up with Find. The walk ends at a name not found,
+  /// at a class without an ancestor name, at a class naming itself (that class is the last
+  /// entry), and, so that a cycle of classes cannot hold it, after as many steps as this
+  /// list has classes.
+  void GetAncestorChain(const TClassDescription& cls,
+                        std::vector<TClassDescription*>& result) const;
+  /// Whether the chain of direct ancestors of `cls` reaches `ancestorName` (compared by
+  /// each class's language rule). Each ancestor is looked up in `listA`, then in `listB`
+  /// (either may be null). A class naming itself, a name found in neither list, or a
+  /// cycle answers false.
+  static bool InheritsFrom(const TCommonClassList* listA, const TCommonClassList* listB,
+                           std::string_view ancestorName, const TClassDescription& cls);
+
   TCommonClassList* RootList;
   TCommonClassList* ParentList;
   TClassDescription* OuterClass;
@@ -98,11 +118,24 @@ class TClasslist : public TCommonClassList {
   void ClassRemoved(TClassDescription* cls) override;
   void NotifyAll(int index) override;
 
-  // ---- Domains: the project's TDomainList (owned) goes here, with ClassAdded linking a
-  // new class to its domain, ClassRemoved taking a freed class out of it, Clear emptying
-  // the domains and NotifyAll reaching them; and the unowned reference the class list
-  // carries. Both belong to the domain layer. ----
+  /// Items 5-15 of the class information file: domain marker and domains, class marker,
+  /// ListString, the classes (u32 count, then per class its u8 Language and the record),
+  /// the routines and the include units. Loading empties the list first, raises
+  /// EClassInfoFileError kind 1 on a wrong domain marker and kind 2 on a wrong class
+  /// marker, and links the domains to the classes once these are read. What was read
+  /// before a failure stays.
+  void LoadFromStream(TStream& stream) override;
+  void SaveToStream(TStream& stream) const override;
 
+  using TCommonClassList::MergeFrom;
+  /// MergeFrom of the classes, then the same for the routines of `a` and `b`.
+  void MergeFrom(const TClasslist& a, const TClasslist& b);
+
+  /// The project's domains. ClassAdded links a new class to the domain naming it,
+  /// ClassRemoved takes a class out of its domain keeping the name, Clear empties it.
+  TDomainList Domains{this};
+  /// The files list saved together with this list, when its owner sets it (not owned).
+  TFilesList* Files = nullptr;
   TIncludeFilesList Includes;
   TRoutineList Routines;
   /// Held while a list of this tree is changed or walked by a thread others share it with.

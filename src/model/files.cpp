@@ -1,6 +1,7 @@
 #include "model/files.h"
 
 #include "model/class_info_error.h"
+#include "model/class_info_format.h"
 #include "support/ansi.h"
 #include "support/stream.h"
 
@@ -67,6 +68,27 @@ void TFilesList::Delete(int i) {
 void TFilesList::Clear() {
   for (int i = Count() - 1; i >= 0; --i) delete Items(i);
   Index.Clear();
+}
+
+void TFilesList::LoadFromStream(TStream& stream) {
+  Clear();
+  std::string banner;
+  if (!stream.TryReadFixed(banner, kClassInfoBanner.size()) || banner != kClassInfoBanner ||
+      LoadU32(stream) != kClassInfoVersion)
+    throw EClassInfoFileError(kInvalidVersion, 0);
+  for (uint32_t n = LoadU32(stream); n > 0; --n) {
+    // The record holds the language; the constructor's is overwritten.
+    auto file = std::make_unique<TFileDescription>(TLanguage::Cpp);
+    file->LoadFromStream(stream);
+    Add(std::move(file));
+  }
+}
+
+void TFilesList::SaveToStream(TStream& stream) const {
+  stream.WriteFixed(kClassInfoBanner);
+  stream.WriteU32(kClassInfoVersion);
+  stream.WriteU32(static_cast<uint32_t>(Count()));
+  for (int i = 0; i < Count(); ++i) Items(i)->SaveToStream(stream);
 }
 
 // ---- TIncludeUnit ----

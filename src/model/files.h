@@ -55,6 +55,14 @@ class TFilesList {
   void Delete(int i);
   void Clear();
 
+  /// Items 1-4 of the class information file: the 101-byte banner, the u32 version, the
+  /// u32 file count and the file records. Loading empties the list first; a banner or
+  /// version that does not match raises EClassInfoFileError kind 0 with the
+  /// invalid-version message (so does a file too short to hold the banner), a short read
+  /// after that the unexpected-end one.
+  void LoadFromStream(TStream& stream);
+  void SaveToStream(TStream& stream) const;
+
   TStringList Index{true, TDuplicates::Accept, false};
 };
 
