@@ -1,0 +1,212 @@
+// The parse loop and the bracket operations every Pascal parser and finder shares.
+#include <limits>
+
+#include "parsing/pascal_parser_internal.h"
+
+namespace velmora {
+
+using namespace pascal_parser;
+
+namespace {
+
+// The closing kind of a group opener, or 0 for any other kind.
+int CloseOf(int openKind) {
+  switch (openKind) {
+    case ptOpenParen:
+      return ptCloseParen;
+    case ptOpenBracket:
+      return ptCloseBracket;
+    case ptRecord:
+      return ptEnd;
+    default:
+      return 0;
+  }
+}
+
+// Builds a text from tokens with every gap (blanks, line ends, comments) made one space
+// and no space at either end.
+class TTextBuilder {
+ public:
+  explicit TTextBuilder(std::string& out) : out_(out) { out_.clear(); }
+  void Gap() { gap_ = true; }
+  void Append(std::string_view token) {
+    if (gap_ && !out_.empty()) out_ += ' ';
+    gap_ = false;
+    out_ += token;
+  }
+
+ private:
+  std::string& out_;
+  bool gap_ = false;
+};
+
+// One step that keeps blanks visible and drops comments. A comment that was stepped over
+// still separates the tokens on either side of it: `a{x}b` reads as "a b".
+int StepKeepingBlanks(TTokenizer& t, bool& passedComment) {
+  const int32_t before = t.Index();
+  const int kind = t.NextSkipComments();
+  passedComment = t.Index() - before > 1;
+  return kind;
+}
+
+}  // namespace
+
+bool PascalCollectBracket(TTokenizer& t, int openKind, std::string* text) {
+  if (text) text->clear();
+  const int close = CloseOf(openKind);
+  if (close == 0) return false;
+  std::string scratch;
+  TTextBuilder out(text ? *text : scratch);
+  // The depth is a counter, not a recursion: ten thousand nested groups cost nothing
+  // more than one.
+  int64_t depth = 1;
+  for (;;) {
+    bool passedComment = false;
+    const int kind = StepKeepingBlanks(t, passedComment);
+    if (kind == tkEndOfText) return false;
+    if (kind == close) {
+      if (--depth == 0) return true;
+    } else if (kind == openKind) {
+      ++depth;
+    }
+    if (!text) continue;
+    if (passedComment) out.Gap();
+    if (kind == tkWhitespace || kind == tkLineEnd)
+      out.Gap();
+    else
+      out.Append(t.TokenView(t.Index()));
+  }
+}
+
+int PascalSkipTo(TTokenizer& t, const TTokenKindSet& stops) {
+  for (;;) {
+    int kind = t.Kind();
+    if (stops.Contains(kind)) return kind;
+    if (kind == tkEndOfText) return ptUnknownChar;
+    if (CloseOf(kind) != 0) {
+      PascalCollectBracket(t, kind, nullptr);
+      kind = t.Kind();
+      if (stops.Contains(kind)) return kind;
+      if (kind == tkEndOfText) return ptUnknownChar;
+    }
+    t.NextSignificant();
+  }
+}
+
+int PascalReadTo(TTokenizer& t, int kind, std::string& text, const TTokenKindSet* halts) {
+  TTextBuilder out(text);
+  // One counter for all three group kinds: a mismatched closer still closes something,
+  // so a broken group cannot keep the rest of the text from ending the read.
+  int64_t depth = 0;
+  for (;;) {
+    bool passedComment = false;
+    const int k = StepKeepingBlanks(t, passedComment);
+    if (k == tkEndOfText) return k;
+    if (passedComment) out.Gap();
+    if (k == tkWhitespace || k == tkLineEnd) {
+      out.Gap();
+      continue;
+    }
+    if (depth == 0 && (k == kind || (halts && halts->Contains(k)))) return k;
+    if (CloseOf(k) != 0)
+      ++depth;
+    else if ((k == ptCloseParen || k == ptCloseBracket || k == ptEnd) && depth > 0)
+      --depth;
+    out.Append(t.TokenView(t.Index()));
+  }
+}
+
+// ---- TPascalBaseParser ----
+
+namespace {
+
+// Texts of 2 GiB or more do not fit the tokenizer's 32-bit offsets; such a "unit" is not
+// parsed at all rather than misread.
+const char* const kEmptyText = "";
+
+}  // namespace
+
+TPascalBaseParser::TPascalBaseParser(const char* text, int64_t size)
+    : Tokenizer(new TPascalTokenizer), OwnsTokenizer(true) {
+  if (!text || size < 0 || size >= std::numeric_limits<int32_t>::max()) {
+    text = kEmptyText;
+    size = 0;
+  }
+  Tokenizer->SetText(text, static_cast<int32_t>(size));
+}
+
+TPascalBaseParser::TPascalBaseParser(TPascalTokenizer* shared)
+    : Tokenizer(shared), OwnsTokenizer(false) {}
+
+TPascalBaseParser::~TPascalBaseParser() {
+  if (OwnsTokenizer) delete Tokenizer;
+}
+
+TTokenizer& TPascalBaseParser::Cursor() {
+  return *Tokenizer;
+}
+
+void TPascalBaseParser::Parse() {
+  TTokenizer& t = *Tokenizer;
+  while (!Stopped && t.Kind() != tkEndOfText) {
+    handlerStart_ = t.Index();
+    HandleToken();
+    if (Stopped) break;
+    // Every handler leaves the cursor on or after the token it began on, so this step
+    // always moves on: the loop cannot stand still.
+    t.NextSignificant();
+  }
+}
+
+void TPascalBaseParser::Unread() {
+  TTokenizer& t = *Tokenizer;
+  if (t.Index() <= handlerStart_) return;
+  t.PrevSignificant();
+  if (t.Index() < handlerStart_) t.SetIndex(handlerStart_);
+}
+
+// ---- Helpers shared by the declaration readers ----
+
+namespace pascal_parser {
+
+int32_t NextSignificantIndex(const TTokenizer& t, int32_t from) {
+  const TIList& kinds = t.Kinds();
+  const int32_t last = t.LastIndex();
+  int32_t i = from + 1;
+  while (i < last && t.IsBlank(kinds.Get(i))) ++i;
+  return i < last ? i : last;
+}
+
+int PeekSignificant(const TTokenizer& t) {
+  const int32_t last = t.LastIndex();
+  if (t.Index() >= last) return tkEndOfText;
+  return t.Kinds().Get(NextSignificantIndex(t, t.Index()));
+}
+
+TSpot SpotOf(const TTokenizer& t, int32_t index) {
+  const int32_t offset = t.TokenOffset(index);
+  return {t.LineOfOffset(offset), offset};
+}
+
+std::string ReadTypeName(TTokenizer& t) {
+  std::string name = t.Text();
+  // A dot counts only when a name follows it; otherwise it belongs to whatever comes next.
+  while (PeekSignificant(t) == ptDot) {
+    const int32_t dot = NextSignificantIndex(t, t.Index());
+    if (!IsNameKind(t.Kinds().Get(NextSignificantIndex(t, dot)))) break;
+    t.NextSignificant();
+    t.NextSignificant();
+    name += '.';
+    name += t.TokenView(t.Index());
+  }
+  return name;
+}
+
+void LeaveUnlessSemicolon(TPascalBaseParser& p) {
+  const int kind = p.Cursor().Kind();
+  if (kind != ptSemicolon && kind != tkEndOfText) p.Unread();
+}
+
+}  // namespace pascal_parser
+
+}  // namespace velmora

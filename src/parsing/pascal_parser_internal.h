@@ -1,0 +1,89 @@
+// Shared pieces of the Pascal parser's source files: token-kind sets, the position of the
+// token under the cursor, and the declaration readers each file provides. Only the
+// pascal_*_parser / pascal_*_declaration sources include this header.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/class_description.h"
+#include "parsing/pascal_parser.h"
+#include "parsing/pascal_tokenizer.h"
+
+namespace velmora::pascal_parser {
+
+/// Names: identifiers and the directive words 74..112, since `name`, `index`, `read` or
+/// `message` are ordinary names wherever Pascal does not give them a meaning.
+inline bool IsNameKind(int kind) {
+  return kind == ptIdentifier || (kind >= ptAbsolute && kind <= ptWriteonly);
+}
+
+/// Tokens that can only begin a new member or end a class body. A declaration that runs
+/// into one of them is missing its `;`: it ends there, and the token is read again as
+/// what it is, so that one broken line does not swallow the class's `end`.
+inline constexpr TTokenKindSet kMemberBoundary = {
+    ptEnd,       ptProperty, ptConstructor, ptDestructor, ptPrivate,
+    ptProtected, ptPublic,   ptPublished,   ptAutomated,  ptImplementation};
+/// The same and the words that begin a method. A type may contain `procedure`,
+/// `function` or `class` (`procedure of object`, `class of TFoo`); a property
+/// declaration cannot.
+inline constexpr TTokenKindSet kPropertyBoundary = {
+    ptEnd,       ptProperty,  ptConstructor,    ptDestructor, ptPrivate,  ptProtected, ptPublic,
+    ptPublished, ptAutomated, ptImplementation, ptProcedure,  ptFunction, ptClass};
+
+inline constexpr TTokenKindSet kSemicolon = {ptSemicolon};
+
+/// The index of the first significant token after `from` (the end-of-text entry when there
+/// is none), found without moving the cursor and so without touching the tokenizer's line
+/// tracking.
+int32_t NextSignificantIndex(const TTokenizer& t, int32_t from);
+/// The kind of the next significant token after the cursor, read without moving it; 0 at
+/// the end of the text.
+int PeekSignificant(const TTokenizer& t);
+
+/// Where a token stands: its line (counted from the start of the text, so a directive or
+/// comment spanning lines never makes it drift) and its offset.
+struct TSpot {
+  int32_t Line;
+  int32_t Offset;
+};
+TSpot SpotOf(const TTokenizer& t, int32_t index);
+inline TSpot Here(const TTokenizer& t) {
+  return SpotOf(t, t.Index());
+}
+
+inline void SetBlock(TPositionInfo::Positions& block, TSpot start, TSpot end) {
+  block.StartLine = start.Line;
+  block.StartOffset = start.Offset;
+  block.EndLine = end.Line;
+  block.EndOffset = end.Offset;
+}
+
+/// A type name at the cursor: one token, or a unit-qualified name (`Classes.TList`) read
+/// whole. The cursor ends on its last token.
+std::string ReadTypeName(TTokenizer& t);
+
+/// A declaration reader leaves its cursor on its closing `;`. When it stopped on any other
+/// token (a missing `;`), that token is left for the loop to read as what it is.
+void LeaveUnlessSemicolon(TPascalBaseParser& p);
+
+// Readers, each called with the cursor on the word that starts its construct.
+
+/// At a name at file level: `Name = [packed] class|interface|dispinterface ...`; records
+/// the class and reads its body. Anything else records nothing.
+void ParseTypeDeclaration(TPascalFileParser& p);
+/// At `procedure` or `function` at file level.
+void ParseRoutineDeclaration(TPascalFileParser& p);
+/// At `class`, `procedure`, `function`, `constructor` or `destructor` in a class body.
+void ParseMethodDeclaration(TPascalClassParser& p);
+/// At a directive word in a class body.
+void ParseDirective(TPascalClassParser& p);
+/// At a name in a class body.
+void ParseFieldDeclaration(TPascalClassParser& p);
+/// At `property` in a class body.
+void ParsePropertyDeclaration(TPascalClassParser& p);
+
+/// The class's position table when positions are wanted, else null.
+TPositionInfo* PositionTable(TPascalClassParser& p);
+
+}  // namespace velmora::pascal_parser

@@ -1,0 +1,90 @@
+// Property declarations: `property Items[Index: Integer]: string read GetItem write
+// SetItem;`. A property is a field marked as such, with its specifiers.
+#include <string>
+
+#include "model/class_list.h"
+#include "parsing/pascal_parser_internal.h"
+#include "support/ansi.h"
+
+namespace velmora {
+namespace pascal_parser {
+
+namespace {
+
+// The one token after a specifier word: `read FItems` gives "FItems", `default -1` only
+// "-" (a minus sign is a token of its own). Nothing when the declaration ends first.
+std::string TakeValue(TTokenizer& t) {
+  const int next = PeekSignificant(t);
+  if (next == ptSemicolon || next == tkEndOfText || kPropertyBoundary.Contains(next)) return {};
+  t.NextSignificant();
+  return t.Text();
+}
+
+}  // namespace
+
+void ParsePropertyDeclaration(TPascalClassParser& p) {
+  TTokenizer& t = p.Cursor();
+  const TSpot start = Here(t);
+  if (!IsNameKind(PeekSignificant(t))) return;
+  t.NextSignificant();
+  const std::string name = t.Text();
+  int kind = t.NextSignificant();
+  std::string indexParams;
+  if (kind == ptOpenBracket) {
+    p.CollectBracket(ptOpenBracket, &indexParams);
+    kind = t.NextSignificant();
+  }
+  std::string type;
+  if (kind == ptColon) {
+    const int next = PeekSignificant(t);
+    if (next != ptSemicolon && next != tkEndOfText && !kPropertyBoundary.Contains(next)) {
+      t.NextSignificant();
+      type = ReadTypeName(t);
+    }
+    kind = t.NextSignificant();
+  }
+
+  TFieldDescription* f = p.Owner->Fields.FindOrAdd(name, type, p.Visibility);
+  f->SetIsProperty(true);
+  // Specifiers the declaration no longer has must not survive a re-parse.
+  TPropertyDescription& spec = *f->Property;
+  spec = TPropertyDescription{};
+  spec.IndexParams = std::string(Trim(indexParams));
+  for (; kind != ptSemicolon && kind != tkEndOfText; kind = t.NextSignificant()) {
+    if (kPropertyBoundary.Contains(kind)) break;  // missing `;`: left for the loop
+    switch (kind) {
+      case ptRead:
+        spec.ReadSpec = TakeValue(t);
+        break;
+      case ptWrite:
+        spec.WriteSpec = TakeValue(t);
+        break;
+      case ptStored:
+        spec.StoredSpec = TakeValue(t);
+        break;
+      case ptDefault:
+        spec.DefaultSpec = TakeValue(t);
+        break;
+      case ptIndex:
+        spec.IndexSpec = TakeValue(t);
+        break;
+      case ptNodefault:
+        spec.DefaultSpec = "nodefault";
+        break;
+      case ptImplements:
+        TakeValue(t);
+        break;
+      default:
+        break;  // `dispid 3`, `readonly` and the like are not kept
+    }
+  }
+  const TSpot end = Here(t);
+  f->SetStart(start.Line, start.Offset);
+  f->SetEnd(end.Line, end.Offset);
+  if (TPositionInfo* table = PositionTable(p))
+    SetBlock(table->At(p.Visibility, TPositionInfo::LastProperty), start, end);
+  LeaveUnlessSemicolon(p);
+}
+
+}  // namespace pascal_parser
+}  // namespace velmora

@@ -1,0 +1,103 @@
+// Type declaration heads at unit level: `TFoo = [packed] class(TBar, IBaz)`, interfaces
+// and dispatch interfaces. Only these are recorded; records, enumerations, aliases,
+// procedural types, class references (`class of`) and forward declarations are not.
+#include <vector>
+
+#include "model/class_list.h"
+#include "parsing/pascal_parser_internal.h"
+
+namespace velmora {
+
+using namespace pascal_parser;
+
+namespace {
+
+// Reads the names of an ancestor list, the cursor on its `(`. Every name is an ancestor
+// with public access: the class ancestor first, then the implemented interfaces. In a
+// qualified name (`Forms.TForm`) the last part is the name. The list ends at `)` (the
+// cursor then moves past it) or at the first token that cannot be part of it, where the
+// cursor stays: a list missing its `)` does not swallow the class body.
+std::vector<std::string> ReadAncestors(TTokenizer& t) {
+  std::vector<std::string> names;
+  bool qualified = false;
+  for (int kind = t.NextSignificant();; kind = t.NextSignificant()) {
+    if (IsNameKind(kind)) {
+      if (qualified && !names.empty())
+        names.back() = t.Text();
+      else
+        names.push_back(t.Text());
+      qualified = false;
+    } else if (kind == ptDot) {
+      qualified = true;
+    } else if (kind == ptComma) {
+      qualified = false;
+    } else {
+      if (kind == ptCloseParen) t.NextSignificant();
+      return names;
+    }
+  }
+}
+
+}  // namespace
+
+namespace pascal_parser {
+
+void ParseTypeDeclaration(TPascalFileParser& p) {
+  TTokenizer& t = p.Cursor();
+  const TSpot start = Here(t);
+  const std::string name = t.Text();
+  if (PeekSignificant(t) != ptEqual) return;
+  t.NextSignificant();
+  int kind = t.NextSignificant();
+  if (kind == ptPacked) kind = t.NextSignificant();
+  TClassKind classKind;
+  switch (kind) {
+    case ptClass:
+      classKind = TClassKind::Class;
+      break;
+    case ptInterface:
+      classKind = TClassKind::Interface;
+      break;
+    case ptDispinterface:
+      classKind = TClassKind::DispInterface;
+      break;
+    case ptRecord:
+      // Passed whole, so that methods of a record are not taken for unit routines.
+      p.CollectBracket(ptRecord, nullptr);
+      return;
+    default:
+      // Not a class; whatever follows `=` is read again by the loop.
+      p.Unread();
+      return;
+  }
+  kind = t.NextSignificant();
+  if (kind == ptOf || kind == ptSemicolon) return;  // `class of TFoo;` and `class;`
+  std::vector<std::string> ancestors;
+  if (kind == ptOpenParen) ancestors = ReadAncestors(t);
+
+  TClassDescription* c = p.Target->FindOrAdd(name, TLanguage::Pascal);
+  if (!c) return;
+  // Refilled from scratch: what the declaration no longer says must not survive. The
+  // members are kept for the caller's mark and sweep.
+  c->ClassKind = classKind;
+  c->TemplateParams.clear();
+  c->Guid.clear();
+  c->Ancestors.Clear();
+  for (const std::string& a : ancestors) c->Ancestors.Add(TVisibility::Public, a);
+  if (p.WantPositions)
+    c->GetPositionInfo(true)->Reset();
+  else
+    c->DropPositionInfo();
+  c->UnitName = p.FileName;
+  const TSpot end = Here(t);
+  c->SetStart(start.Line, start.Offset);
+  c->SetEnd(end.Line, end.Offset);
+  if (t.Kind() == ptSemicolon) return;  // `TBar = class(TFoo);`: no body
+
+  TPascalClassParser body(p, c);
+  body.Parse();
+}
+
+}  // namespace pascal_parser
+
+}  // namespace velmora
