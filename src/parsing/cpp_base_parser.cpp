@@ -1,0 +1,315 @@
+// The operations over a C++ token cursor that the parsers and the code finder share, and
+// the parse loop every parser runs.
+#include <algorithm>
+#include <array>
+
+#include "parsing/cpp_parser_internal.h"
+
+namespace velmora {
+namespace {
+
+// The tokenizer keeps its last visited index and its direction to itself. Undoing a
+// look-ahead has to put them back as well, or a line end or comment read during the look
+// would be counted twice. A pointer to the protected members, formed in a class derived
+// from the tokenizer, reaches them without widening the tokenizer's interface for this
+// one use.
+struct TCursorAccess : TTokenizer {
+  static constexpr int32_t TTokenizer::*kLastVisited = &TCursorAccess::lastVisited_;
+  static constexpr bool TTokenizer::*kForward = &TCursorAccess::forward_;
+};
+
+// Sorted by ordinal comparison for the binary search.
+constexpr auto kKnownMacros = [] {
+  std::array<std::string_view, 72> names = {
+      "BEGIN_MESSAGE_MAP",
+      "MESSAGE_HANDLER",
+      "END_MESSAGE_MAP",
+      "VCL_MESSAGE_HANDLER",
+      "USEDATAMODULE",
+      "USEDATAMODULENS",
+      "USEFORM",
+      "USEFORMNS",
+      "USEUNIT",
+      "USEOBJ",
+      "USERC",
+      "USEASM",
+      "USEDEF",
+      "USERES",
+      "USETLB",
+      "USELIB",
+      "USEFILE",
+      "USEPACKAGE",
+      "DECLARE_DINTERFACE_TYPE",
+      "DECLARE_DYNAMIC",
+      "DECLARE_MESSAGE_MAP",
+      "DECLARE_INTERFACE_MAP",
+      "DECLARE_CONNECTION_MAP",
+      "DECLARE_DYNCREATE",
+      "DECLARE_SERIAL",
+      "DECLARE_EVENT_MAP",
+      "DECLARE_OLECREATE_EX",
+      "DECLARE_OLECTLTYPE",
+      "DECLARE_PROPPAGEIDS",
+      "DECLARE_OLECREATE",
+      "DECLARE_OLETYPELIB",
+      "DECLARE_PARSE_MAP",
+      "DECLARE_DISPATCH_MAP",
+      "DECLARE_OLECMD_MAP",
+      "DECLARE_EVENTSINK_MAP",
+      "BEGIN_COM_MAP",
+      "END_COM_MAP",
+      "BEGIN_INTERFACE_PART",
+      "INIT_INTERFACE_PART",
+      "STDMETHOD",
+      "STDMETHOD_",
+      "END_INTERFACE_PART",
+      "BEGIN_INTERFACE",
+      "DEFINE_BOLEGUID",
+      "END_INTERFACE",
+      "COM_INTERFACE_ENTRY",
+      "BEGIN_MSG_MAP",
+      "END_MSG_MAP",
+      "COM_INTERFACE_ENTRY_IID",
+      "THREAD_LOCAL",
+      "EXTERN_THREAD_LOCAL",
+      "BEGIN_CONNECTION_PART",
+      "CONNECTION_IID",
+      "END_CONNECTION_PART",
+      "_ATL_DEBUG_ADDREF_RELEASE_IMPL",
+      "DECLARE_DIAG_GROUP",
+      "DECLARE_HANDLE",
+      "DECLARE_HANDLE32",
+      "DECLARE_MAPI_INTERFACE_PTR",
+      "DECLARE_OPAQUE32",
+      "DECLARE_RESPONSE_TABLE",
+      "DEFINE_AVIGUID",
+      "DEFINE_OLEGUID",
+      "DEFINE_DAOGUID",
+      "DEFINE_EXCHEXTGUID",
+      "DEFINE_EXCHFORMGUID",
+      "DEFINE_GUID",
+      "DEFINE_OID_1",
+      "DEFINE_OID_2",
+      "DEFINE_OID_3",
+      "DEFINE_SHLGUID",
+      "WIN_TYPES",
+  };
+  std::sort(names.begin(), names.end());
+  return names;
+}();
+static_assert(std::adjacent_find(kKnownMacros.begin(), kKnownMacros.end()) == kKnownMacros.end(),
+              "a macro name is listed twice");
+
+int CloseKindOf(int openKind) {
+  switch (openKind) {
+    case ctOpenBrace:
+      return ctCloseBrace;
+    case ctLess:
+      return ctGreater;
+    case ctOpenParen:
+      return ctCloseParen;
+    case ctOpenBracket:
+      return ctCloseBracket;
+    default:
+      return -1;
+  }
+}
+
+}  // namespace
+
+TCursorState SaveCursor(const TTokenizer& tokenizer) {
+  return {tokenizer.Index(), tokenizer.*TCursorAccess::kLastVisited, tokenizer.GetLine(),
+          tokenizer.*TCursorAccess::kForward};
+}
+
+void RestoreCursor(TTokenizer& tokenizer, const TCursorState& state) {
+  tokenizer.SetIndex(state.Index);
+  tokenizer.*TCursorAccess::kLastVisited = state.LastVisited;
+  tokenizer.SetLine(state.Line);
+  tokenizer.*TCursorAccess::kForward = state.Forward;
+}
+
+bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, bool collect) {
+  text.clear();
+  const int closeKind = CloseKindOf(openKind);
+  if (closeKind < 0) return false;
+  int depth = 1;
+  bool blank = false;
+  for (;;) {
+    const int32_t from = tokenizer.Index();
+    const int kind = tokenizer.NextSkipComments();
+    if (kind == ctEndOfText) return false;
+    if (kind == closeKind) {
+      if (--depth == 0) return true;
+    } else if (kind == openKind) {
+      ++depth;
+    }
+    if (!collect) continue;
+    // A comment stands for a blank, as it does to the compiler (a line comment even holds
+    // the line end), so that `unsigned// x` CR LF `int` does not read as one word.
+    if (kind == ctWhitespace || kind == ctLineEnd || tokenizer.Index() > from + 1) blank = true;
+    if (kind == ctWhitespace || kind == ctLineEnd) continue;
+    if (blank) text += ' ';
+    blank = false;
+    text += tokenizer.TokenView(tokenizer.Index());
+  }
+}
+
+int SkipTo(TCPPTokenizer& tokenizer, const TTokenKindSet& stops) {
+  std::string unused;
+  for (;;) {
+    int kind = tokenizer.Kind();
+    if (kind == ctEndOfText) return ctUnknownChar;
+    if (stops.Contains(kind)) return kind;
+    if (kind == ctOpenBrace || kind == ctOpenParen || kind == ctOpenBracket) {
+      if (!CollectBracket(tokenizer, kind, unused, false)) return ctUnknownChar;
+      kind = tokenizer.Kind();
+      if (stops.Contains(kind)) return kind;
+    }
+    tokenizer.NextSignificant();
+  }
+}
+
+void ReadRestOfLine(TCPPTokenizer& tokenizer, bool collect, std::string& text) {
+  text.clear();
+  std::string pending;  // blanks and continued line ends not yet followed by a token
+  bool continued = false;
+  for (;;) {
+    tokenizer.Next();
+    const int kind = tokenizer.Kind();
+    if (kind == ctEndOfText || kind == ctLineComment) return;
+    if (kind == ctLineEnd) {
+      if (!continued) return;
+      continued = false;
+      if (collect) pending += "\r\n";
+      continue;
+    }
+    if (kind == ctWhitespace) {
+      if (collect) pending += ' ';
+      continue;
+    }
+    const std::string_view token = tokenizer.TokenView(tokenizer.Index());
+    if (kind == ctUnknownPunctuator && token == "\\") {
+      continued = true;
+      continue;
+    }
+    continued = false;
+    if (collect) {
+      text += pending;
+      text += token;
+    }
+    pending.clear();
+  }
+}
+
+bool IsKnownMacroName(std::string_view name) {
+  return std::binary_search(kKnownMacros.begin(), kKnownMacros.end(), name);
+}
+
+bool IsKnownMacro(TCPPTokenizer& tokenizer) {
+  return tokenizer.Kind() == ctIdentifier &&
+         IsKnownMacroName(tokenizer.TokenView(tokenizer.Index()));
+}
+
+void SkipMacro(TCPPTokenizer& tokenizer) {
+  std::string unused;
+  for (;;) {
+    const TCursorState before = SaveCursor(tokenizer);
+    const int kind = tokenizer.NextSignificant();
+    if (kind == ctOpenParen) {
+      if (!CollectBracket(tokenizer, kind, unused, false)) return;
+    } else if (kind != ctParens) {
+      RestoreCursor(tokenizer, before);
+      return;
+    }
+  }
+}
+
+// ---- TCPPBaseParser ----
+
+TCPPBaseParser::TCPPBaseParser()
+    : tokenizer_(nullptr), ownTokenizer_(std::make_unique<TCPPTokenizer>()) {
+  tokenizer_ = ownTokenizer_.get();
+}
+
+TCPPBaseParser::~TCPPBaseParser() = default;
+
+void TCPPBaseParser::Parse() {
+  TCPPTokenizer& t = *tokenizer_;
+  // Every handler leaves the cursor on a token at or after the one it was called on, so
+  // the step below always moves on. A parser that stopped keeps its last token (a class
+  // body's `}`) under the cursor for whoever called it.
+  while (!Stopped && t.Kind() != ctEndOfText) {
+    HandleToken();
+    if (Stopped) break;
+    t.NextSignificant();
+  }
+}
+
+namespace cpp_parser {
+
+uint16_t ModifierDirective(int kind) {
+  switch (kind) {
+    case ctVirtual:
+      return DirectiveBit(TDirective::Virtual);
+    case ctStdcall_2:
+      return DirectiveBit(TDirective::StdCall);
+    case ctPascal_2:
+      return DirectiveBit(TDirective::Pascal);
+    case ctCdecl_2:
+      return DirectiveBit(TDirective::Cdecl);
+    case ctFastcall_2:
+      return DirectiveBit(TDirective::FastCall);
+    case ctInline:
+      return DirectiveBit(TDirective::Inline);
+    default:
+      return 0;
+  }
+}
+
+bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text) {
+  if (text) text->clear();
+  int depth = 1;
+  int parens = 0;
+  bool blank = false;
+  auto append = [&](std::string_view token) {
+    if (!text) return;
+    if (blank) *text += ' ';
+    blank = false;
+    *text += token;
+  };
+  for (;;) {
+    const TCursorState before = SaveCursor(tokenizer);
+    const int kind = tokenizer.NextSkipComments();
+    if (kind == ctEndOfText) return false;
+    if (kind == ctSemicolon || kind == ctOpenBrace || kind == ctBraces || kind == ctCloseBrace) {
+      RestoreCursor(tokenizer, before);
+      return false;
+    }
+    if (kind == ctWhitespace || kind == ctLineEnd || tokenizer.Index() > before.Index + 1)
+      blank = true;
+    if (kind == ctWhitespace || kind == ctLineEnd) continue;
+    const std::string_view token = tokenizer.TokenView(tokenizer.Index());
+    if (kind == ctOpenParen) {
+      ++parens;
+    } else if (kind == ctCloseParen) {
+      if (parens > 0) --parens;
+    } else if (parens == 0) {
+      if (kind == ctLess) {
+        ++depth;
+      } else if (kind == ctGreater) {
+        if (--depth == 0) return true;
+      } else if (kind == ctShiftRight) {
+        // One `>` for an inner list and one for this one; met at the outer level, it
+        // closes the group all the same.
+        if (depth == 2) append(">");
+        depth -= 2;
+        if (depth <= 0) return true;
+      }
+    }
+    append(token);
+  }
+}
+
+}  // namespace cpp_parser
+}  // namespace velmora

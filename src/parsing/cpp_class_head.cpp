@@ -1,0 +1,255 @@
+// Class heads (`class`/`struct` name, ancestors, template head) and the loop over a class
+// body that hands each member to its reader.
+#include "model/class_list.h"
+#include "parsing/cpp_parser_internal.h"
+#include "support/ansi.h"
+
+namespace velmora {
+
+using namespace cpp_parser;
+
+namespace {
+
+// Reads the base clause from the `:` at the cursor up to the body. Access is private until
+// a keyword says otherwise, also for a struct; of a qualified name the last identifier
+// wins (`ns::Base` gives `Base`), and template arguments are no names of their own. Ends
+// on `{`, `{}` or the end of text; a `;` ends it too, and a `}` is left unread, since
+// neither belongs in a base clause: a broken head then costs itself, not the next class.
+int ReadAncestors(TCPPTokenizer& t, TClassAncestorList& ancestors) {
+  TVisibility access = TVisibility::Private;
+  std::string name;
+  auto add = [&] {
+    if (!name.empty()) ancestors.Add(access, name);
+    access = TVisibility::Private;
+    name.clear();
+  };
+  for (;;) {
+    const TCursorState before = SaveCursor(t);
+    const int kind = t.NextSignificant();
+    switch (kind) {
+      case ctPrivate:
+        access = TVisibility::Private;
+        break;
+      case ctProtected:
+        access = TVisibility::Protected;
+        break;
+      case ctPublic:
+        access = TVisibility::Public;
+        break;
+      case ctIdentifier:
+        name = t.TokenView(t.Index());
+        break;
+      case ctLess:
+        CollectTemplateArguments(t, nullptr);
+        break;
+      case ctComma:
+        add();
+        break;
+      case ctOpenBrace:
+      case ctBraces:
+      case ctEndOfText:
+        add();
+        return kind;
+      case ctSemicolon:
+        return kind;
+      case ctCloseBrace:
+        RestoreCursor(t, before);
+        return kind;
+      default:  // `virtual`, `::` and whatever else stands between the names
+        break;
+    }
+  }
+}
+
+}  // namespace
+
+// ---- TCPPClassFinderParser ----
+
+TCPPClassFinderParser::TCPPClassFinderParser(std::string_view fileName, uint8_t option,
+                                             TClasslist* target)
+    : FileName(fileName), Target(target), Option(option) {}
+
+TCPPClassFinderParser::TCPPClassFinderParser(TCPPTokenizer& shared, std::string_view fileName,
+                                             TClasslist* target, int nesting)
+    : TCPPBaseParser(shared), FileName(fileName), Target(target), Nesting(nesting) {}
+
+void TCPPClassFinderParser::ReadTemplateHead() {
+  if (tokenizer_->NextSignificant() != ctLess) return;
+  CollectTemplateArguments(*tokenizer_, &TemplateParams);
+  TemplateParams = Trim(TemplateParams);
+  IsTemplate = true;
+}
+
+TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDescription* outer) {
+  TCPPTokenizer& t = *tokenizer_;
+  TCursorState before = SaveCursor(t);
+  int kind = t.NextSignificant();
+  const int32_t startLine = t.GetLine();
+  const int32_t startOffset = t.Offset();
+
+  // The name is the last identifier before the stop, so export macros in front of it
+  // (`class PACKAGE TForm1`) are passed over, as are `__declspec(...)` and the argument
+  // list of a specialization.
+  std::string name;
+  for (;;) {
+    if (kind == ctSemicolon || kind == ctAssign || kind == ctOpenBrace || kind == ctBraces ||
+        kind == ctColon || kind == ctEndOfText)
+      break;
+    if (kind == ctCloseBrace) {  // `class` right before the end of a body: leave the `}`
+      RestoreCursor(t, before);
+      return nullptr;
+    }
+    if (kind == ctIdentifier) {
+      name = t.TokenView(t.Index());
+    } else if (kind == ctLess) {
+      CollectTemplateArguments(t, nullptr);
+    } else if (kind == ctOpenParen) {
+      SkipBracket(ctOpenParen);
+    }
+    before = SaveCursor(t);
+    kind = t.NextSignificant();
+  }
+  // A forward declaration, or a variable of class type.
+  if (kind == ctSemicolon || kind == ctAssign || kind == ctEndOfText) return nullptr;
+  if (name.empty()) {
+    // An unnamed struct or class is not recorded; its body is passed whole so that its
+    // members do not land in the enclosing class and its `}` does not end that class.
+    if (kind == ctOpenBrace) SkipBracket(ctOpenBrace);
+    return nullptr;
+  }
+
+  TClassAncestorList ancestors(TLanguage::Cpp);
+  if (kind == ctColon) kind = ReadAncestors(t, ancestors);
+  if (kind != ctOpenBrace && kind != ctBraces) return nullptr;
+
+  TCommonClassList* list = outer ? outer->NestedClasses() : Target;
+  TClassDescription* cls = list->FindOrAdd(name, TLanguage::Cpp);
+  if (!cls) {  // a reference list holds no classes of its own
+    if (kind == ctOpenBrace) SkipBracket(ctOpenBrace);
+    return nullptr;
+  }
+  if (WantPositions) cls->GetPositionInfo(true)->Reset();
+  cls->Ancestors.Items = std::move(ancestors.Items);
+  if (isStruct) {
+    cls->ClassKind = TClassKind::Struct;
+    cls->TemplateParams.clear();
+  } else if (IsTemplate) {
+    cls->ClassKind = TClassKind::Template;
+    cls->TemplateParams = TemplateParams;
+  } else {
+    cls->ClassKind = TClassKind::Class;
+    cls->TemplateParams.clear();
+  }
+  cls->UnitName = FileName;
+  cls->SetStart(startLine, startOffset);
+  cls->SetEnd(t.GetLine(), t.Offset());
+
+  if (kind == ctOpenBrace) {
+    if (Nesting >= kMaxClassNesting) {
+      // Deeper than any real source: the members are not read, and the recursion ends.
+      SkipBracket(ctOpenBrace);
+      if (t.Kind() == ctCloseBrace) cls->SetEnd(t.GetLine(), t.Offset());
+    } else {
+      t.NextSignificant();
+      TCPPClassParser body(t, FileName, Target, cls, Nesting + 1, WantPositions);
+      body.Parse();
+    }
+  }
+  return cls;
+}
+
+// ---- TCPPClassParser ----
+
+TCPPClassParser::TCPPClassParser(TCPPTokenizer& tokenizer, std::string_view fileName,
+                                 TClasslist* target, TClassDescription* owner, int nesting,
+                                 bool wantPositions)
+    : TCPPClassFinderParser(tokenizer, fileName, target, nesting),
+      Owner(owner),
+      Visibility(owner->ClassKind == TClassKind::Struct ? TVisibility::Public
+                                                        : TVisibility::Private),
+      positions_(wantPositions ? owner->GetPositionInfo(true) : nullptr) {
+  WantPositions = wantPositions;
+}
+
+void TCPPClassParser::HandleToken() {
+  TCPPTokenizer& t = *tokenizer_;
+  const int kind = t.Kind();
+  if (kind != ctClass) IsTemplate = false;
+  if (IsDirectiveKind(kind)) {
+    ReadRestOfLine();
+    return;
+  }
+  if (IsKnownMacro()) {
+    const std::string name(t.TokenView(t.Index()));
+    const int32_t line = t.GetLine();
+    const int32_t offset = t.Offset();
+    SkipMacro();
+    if (positions_) positions_->OfferMacro(name, line, offset, t.GetLine(), t.Offset());
+    return;
+  }
+  switch (kind) {
+    case ctCloseBrace:
+      Stopped = true;
+      Owner->SetEnd(t.GetLine(), t.Offset());
+      return;
+    case ctTemplate:
+      ReadTemplateHead();
+      return;
+    case ctTypedef:
+    case ctUnion:
+    case ctUsing:
+    case ctEnum:
+    case ctFriend:
+      SkipTo({ctSemicolon});
+      return;
+    case ctOpenBrace:
+      SkipBracket(ctOpenBrace);
+      return;
+    case ctSemicolon:
+      return;
+    case ctClass:
+    case ctStruct:
+      // Declarators after a nested class's body (`} FItem, *FItems;`) are not members.
+      if (ParseClassHead(kind == ctStruct, Owner)) SkipTo({ctSemicolon});
+      IsTemplate = false;
+      return;
+    case ctAutomated_2:
+      ReadSection(TVisibility::Automated);
+      return;
+    case ctPrivate:
+      ReadSection(TVisibility::Private);
+      return;
+    case ctProtected:
+      ReadSection(TVisibility::Protected);
+      return;
+    case ctPublic:
+      ReadSection(TVisibility::Public);
+      return;
+    case ctPublished_2:
+      ReadSection(TVisibility::Published);
+      return;
+    case ctProperty_2:
+      ParsePropertyDeclaration();
+      return;
+    default:
+      ParseMemberDeclaration();
+      return;
+  }
+}
+
+void TCPPClassParser::ReadSection(TVisibility visibility) {
+  TCPPTokenizer& t = *tokenizer_;
+  const int32_t line = t.GetLine();
+  const int32_t offset = t.Offset();
+  const TCursorState keyword = SaveCursor(t);
+  if (t.NextSignificant() != ctColon) {
+    // Not a section label; whatever follows the word is read as usual.
+    RestoreCursor(t, keyword);
+    return;
+  }
+  Visibility = visibility;
+  if (positions_)
+    positions_->At(visibility, TPositionInfo::Section) = {line, offset, t.GetLine(), t.Offset()};
+}
+
+}  // namespace velmora

@@ -1,0 +1,203 @@
+// The walk over one declaration, shared by file level and class bodies, and what file
+// level makes of it: a free function prototype becomes a routine.
+#include "model/class_list.h"
+#include "parsing/cpp_parser_internal.h"
+#include "support/ansi.h"
+
+namespace velmora {
+
+using namespace cpp_parser;
+
+namespace {
+
+// After the first comma of a declarator list: the rest up to the `;`, every run of blanks
+// as one blank, a `{...}` initializer taken whole. Stops before a `}`.
+void CollectRest(TCPPTokenizer& t, std::string* text, bool& cut) {
+  bool blank = false;
+  std::string group;
+  for (;;) {
+    const TCursorState before = SaveCursor(t);
+    const int kind = t.NextSkipComments();
+    if (kind == ctEndOfText || kind == ctSemicolon) return;
+    if (kind == ctCloseBrace) {
+      RestoreCursor(t, before);
+      cut = true;
+      return;
+    }
+    if (kind == ctWhitespace || kind == ctLineEnd || t.Index() > before.Index + 1) blank = true;
+    if (kind == ctWhitespace || kind == ctLineEnd) continue;
+    if (kind == ctOpenBrace) {
+      if (!CollectBracket(t, kind, group, text != nullptr)) return;
+      if (text) AppendSeparated(*text, "{" + group + "}", blank);
+    } else if (text) {
+      AppendSeparated(*text, t.TokenView(t.Index()), blank);
+    }
+    blank = false;
+  }
+}
+
+// From `operator` on: the symbol is the next token and whatever touches it up to the
+// parameter list (`==`, `()`, `new[]`, a conversion's type), written without blanks.
+void ReadOperator(TCPPTokenizer& t, TDeclaration& d) {
+  d.IsOperator = true;
+  TCursorState before = SaveCursor(t);
+  int kind = t.NextSignificant();
+  for (bool first = true;; first = false) {
+    if (kind == ctEndOfText) return;
+    if (kind == ctCloseBrace) {  // broken input: the end of the body is not ours to take
+      RestoreCursor(t, before);
+      d.Cut = true;
+      return;
+    }
+    if (!first && (kind == ctOpenParen || kind == ctParens || kind == ctSemicolon)) break;
+    d.Name += t.TokenView(t.Index());
+    before = SaveCursor(t);
+    kind = t.NextSignificant();
+  }
+  if (kind == ctOpenParen) {
+    CollectBracket(t, kind, d.Params, true);
+    d.HasParams = true;
+  } else if (kind == ctParens) {
+    d.HasParams = true;
+  }
+}
+
+}  // namespace
+
+namespace cpp_parser {
+
+void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d) {
+  const bool inClass = scope == TDeclarationScope::Class;
+  d.StartLine = t.GetLine();
+  d.StartOffset = t.Offset();
+  bool blank = false;      // blanks since the last token taken
+  bool nameBlank = false;  // blanks before the candidate name
+  auto flushName = [&] {
+    if (d.Name.empty()) return;
+    AppendSeparated(d.Type, d.Name, nameBlank);
+    d.Name.clear();
+  };
+  auto appendToType = [&](std::string_view text) {
+    flushName();
+    AppendSeparated(d.Type, text, blank);
+    blank = false;
+  };
+  std::string group;
+  TCursorState before = SaveCursor(t);
+  int kind = t.Kind();
+  for (;;) {
+    switch (kind) {
+      case ctEndOfText:
+      case ctSemicolon:
+      case ctBraces:
+        return;
+      case ctCloseBrace:  // the end of the enclosing body: not ours to take
+        RestoreCursor(t, before);
+        d.Cut = true;
+        return;
+      case ctWhitespace:
+      case ctLineEnd:
+        blank = true;
+        break;
+      case ctIdentifier:
+        flushName();
+        d.Name = t.TokenView(t.Index());
+        nameBlank = blank;
+        blank = false;
+        break;
+      case ctOperator:
+        flushName();
+        ReadOperator(t, d);
+        return;
+      case ctLess:
+        appendToType("<");
+        if (CollectTemplateArguments(t, &group)) d.Type += group + ">";
+        break;
+      case ctOpenParen:
+        CollectBracket(t, kind, d.Params, true);
+        d.HasParams = true;
+        return;
+      case ctParens:
+        d.HasParams = true;
+        return;
+      case ctComma:
+        if (inClass) d.DeclaratorList = true;
+        CollectRest(t, inClass ? &d.Rest : nullptr, d.Cut);
+        return;
+      case ctBrackets:
+        if (inClass) {
+          d.ArraySuffix += "[]";
+          break;
+        }
+        SkipTo(t, {ctOpenBrace, ctBraces, ctSemicolon});
+        return;
+      case ctOpenBracket:
+        if (inClass) {
+          CollectBracket(t, kind, group, true);
+          d.ArraySuffix += "[" + std::string(Trim(group)) + "]";
+          break;
+        }
+        CollectBracket(t, kind, group, false);
+        SkipTo(t, {ctOpenBrace, ctBraces, ctSemicolon});
+        return;
+      case ctOpenBrace:
+        CollectBracket(t, kind, group, false);
+        return;
+      case ctTilde:
+        if (inClass) {
+          d.IsDestructor = true;
+          break;
+        }
+        appendToType(t.TokenView(t.Index()));
+        break;
+      default:
+        if (IsDirectiveKind(kind)) {
+          ReadRestOfLine(t, false, group);
+          blank = true;
+        } else if (const uint16_t bit = ModifierDirective(kind)) {
+          d.Directives |= bit;
+        } else {
+          appendToType(t.TokenView(t.Index()));
+        }
+        break;
+    }
+    before = SaveCursor(t);
+    kind = t.NextSkipComments();
+    // A comment separates like a blank (a line comment even holds the line end).
+    if (t.Index() > before.Index + 1) blank = true;
+  }
+}
+
+}  // namespace cpp_parser
+
+void TCPPFileParser::ParseGlobalDeclaration() {
+  TCPPTokenizer& t = *tokenizer_;
+  TDeclaration d;
+  WalkDeclaration(t, TDeclarationScope::File, d);
+  if (!d.HasParams || d.Cut) return;
+  const TCursorState afterParams = SaveCursor(t);
+  int kind = t.NextSignificant();
+  if (kind == ctConst) kind = t.NextSignificant();
+  if (kind == ctOpenBrace) {  // a definition: its body is passed, the function not recorded
+    SkipBracket(ctOpenBrace);
+    return;
+  }
+  if (kind != ctSemicolon) {
+    RestoreCursor(t, afterParams);
+    return;
+  }
+  const std::string_view name = Trim(d.Name);
+  if (name.empty()) return;
+  TParameterList params(TLanguage::Cpp);
+  params.Parse(d.Params);
+  TProcDescription* routine =
+      Target->Routines.FindOrAdd(name, FileName, TLanguage::Cpp, std::move(params), Trim(d.Type),
+                                 TVisibility::Public, TMethodKind::Function);
+  if (!routine) return;
+  routine->FileName = FileName;
+  routine->Directives = d.Directives;
+  routine->SetStart(d.StartLine, d.StartOffset);
+  routine->SetEnd(t.GetLine(), t.Offset());
+}
+
+}  // namespace velmora

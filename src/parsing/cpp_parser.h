@@ -1,0 +1,211 @@
+// The C++ file and class parser: reads one tokenized header or source file and records what
+// a class browser needs (classes with ancestors, kind and template parameters; their
+// fields, methods and properties; free function prototypes; quoted include names; source
+// positions). It is deliberately not a compiler front end: a flat loop over significant
+// tokens reacts to a few keywords and skips every body, initializer and unknown construct
+// by bracket matching. It never reports an error and never reads past the text.
+//
+// The file parser handles file level; every class body gets a class parser on the same
+// token list, and a class head inside a body starts a nested class parser, so nesting is
+// recursion (capped, see kMaxClassNesting).
+//
+// Threads: a parser and its tokenizer are used by one thread; the caller holds the target
+// class list's lock for the whole Parse() and does the unit's mark and sweep around it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/code_object.h"
+#include "parsing/cpp_tokenizer.h"
+#include "support/stringlist.h"
+
+namespace velmora {
+
+class TClassDescription;
+class TClasslist;
+class TMemoryStream;
+class TPositionInfo;
+
+// ---- Operations over a C++ token cursor, shared with the C++ code finder ----
+
+/// The whole cursor of a tokenizer: the index, the last visited index, the tracked line
+/// and the direction. A look-ahead that turns out not to apply puts all four back, so the
+/// tokens it read are counted for the line again when they are passed for real.
+struct TCursorState {
+  int32_t Index;
+  int32_t LastVisited;
+  int32_t Line;
+  bool Forward;
+};
+TCursorState SaveCursor(const TTokenizer& tokenizer);
+void RestoreCursor(TTokenizer& tokenizer, const TCursorState& state);
+
+/// From the open bracket at the cursor (`{`, `<`, `(` or `[`) to its matching close,
+/// counting only that bracket pair; `>>`, `()`, `[]` and `{}` neither open nor close.
+/// With `collect`, `text` receives the tokens between the brackets, comments dropped and
+/// every run of blanks and line ends as one blank. True with the cursor on the close;
+/// false at the end of text (and, with an empty text, for any other kind at the cursor).
+bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, bool collect);
+
+/// Moves on (significant tokens only) until the kind at the cursor is in `stops` and
+/// returns it. `{`, `(` and `[` groups are passed whole; when the close of a group is
+/// itself a stop, it is the result. 206 at the end of text.
+int SkipTo(TCPPTokenizer& tokenizer, const TTokenKindSet& stops);
+
+/// From a directive token to the end of its line, a backslash continuing the line over
+/// the next line end. Ends on the line end (or the line comment) that ends the line, or at
+/// the end of text. With `collect`, `text` gets the tokens with blanks and CR LF between.
+void ReadRestOfLine(TCPPTokenizer& tokenizer, bool collect, std::string& text);
+
+/// One of the 72 macro names the parsers pass over as a whole (message maps, USEFORM and
+/// friends, COM and OLE declaration macros, GUID definitions).
+bool IsKnownMacroName(std::string_view name);
+/// True when the token at the cursor is an identifier naming a known macro.
+bool IsKnownMacro(TCPPTokenizer& tokenizer);
+/// After a known macro name: passes any number of `(...)` and `()` argument lists and
+/// stops on the last token of the macro; whatever follows is left where it was.
+void SkipMacro(TCPPTokenizer& tokenizer);
+
+// ---- Parsers ----
+
+/// Class bodies nested deeper than this are passed over whole: the class is recorded,
+/// its members are not.
+inline constexpr int kMaxClassNesting = 200;
+
+/// A namespace seen at a brace depth. Namespaces are transparent to the parser (classes
+/// are recorded under their plain names), so nothing pushes entries and the stack stays
+/// empty; the file parser still pops it at the brace depth an entry was made at.
+class TNamespaceMapStack {
+ public:
+  struct TEntry {
+    int32_t Depth;
+    std::string Name;
+  };
+  int Count() const { return static_cast<int>(entries_.size()); }
+  const TEntry& Items(int i) const { return entries_[i]; }
+  void Add(int32_t depth, std::string_view name) { entries_.push_back({depth, std::string(name)}); }
+  void Delete(int i) { entries_.erase(entries_.begin() + i); }
+  void Clear() { entries_.clear(); }
+
+ private:
+  std::vector<TEntry> entries_;
+};
+
+class TCPPBaseParser {
+ public:
+  virtual ~TCPPBaseParser();
+  TCPPBaseParser(const TCPPBaseParser&) = delete;
+  TCPPBaseParser& operator=(const TCPPBaseParser&) = delete;
+
+  /// Handles tokens from the cursor on until the parser stops or the text ends.
+  void Parse();
+  TCPPTokenizer& Tokenizer() { return *tokenizer_; }
+
+  /// Set before Parse: classes get a position table with their sections and last members.
+  bool WantPositions = false;
+
+ protected:
+  /// A parser with a tokenizer of its own.
+  TCPPBaseParser();
+  /// A parser on its parent parser's tokenizer.
+  explicit TCPPBaseParser(TCPPTokenizer& shared) : tokenizer_(&shared) {}
+
+  /// Reacts to the token at the cursor and leaves the cursor on the last token it used;
+  /// Parse moves on from there.
+  virtual void HandleToken() = 0;
+
+  bool CollectBracket(int openKind, std::string& text, bool collect) {
+    return velmora::CollectBracket(*tokenizer_, openKind, text, collect);
+  }
+  /// Passes the bracket group at the cursor without collecting it.
+  void SkipBracket(int openKind) {
+    std::string unused;
+    velmora::CollectBracket(*tokenizer_, openKind, unused, false);
+  }
+  int SkipTo(const TTokenKindSet& stops) { return velmora::SkipTo(*tokenizer_, stops); }
+  void ReadRestOfLine() {
+    std::string unused;
+    velmora::ReadRestOfLine(*tokenizer_, false, unused);
+  }
+  bool IsKnownMacro() { return velmora::IsKnownMacro(*tokenizer_); }
+  void SkipMacro() { velmora::SkipMacro(*tokenizer_); }
+
+  TCPPTokenizer* tokenizer_;                     // never null
+  std::unique_ptr<TCPPTokenizer> ownTokenizer_;  // set when the parser made its tokenizer
+  bool Stopped = false;                          // ends Parse's loop
+};
+
+/// What the file and class parsers share: the target, the pending `template <...>`, and
+/// class heads.
+class TCPPClassFinderParser : public TCPPBaseParser {
+ protected:
+  TCPPClassFinderParser(std::string_view fileName, uint8_t option, TClasslist* target);
+  TCPPClassFinderParser(TCPPTokenizer& shared, std::string_view fileName, TClasslist* target,
+                        int nesting);
+
+  /// On `template`: takes the `<...>` text that follows as the pending template head.
+  void ReadTemplateHead();
+  /// On `class` or `struct`: reads the head and, for a definition, records the class in
+  /// `outer`'s nested classes (or in Target) and parses its body. Returns the class, or
+  /// null for a forward declaration, a variable of class type or a class without a name.
+  TClassDescription* ParseClassHead(bool isStruct, TClassDescription* outer);
+
+  std::string FileName;        // the unit name written into every record
+  TClasslist* Target;          // where classes and routines go; never null
+  std::string TemplateParams;  // the text between `<` and `>` of the last `template`
+  bool IsTemplate = false;     // a `template <...>` head directly precedes the cursor
+  uint8_t Option = 0;          // kept from the constructor
+  int Nesting = 0;             // class bodies around this parser's tokens
+};
+
+class TCPPFileParser : public TCPPClassFinderParser {
+ public:
+  /// Parses `stream`'s text (buffer form, NUL-terminated) as the unit `fileName` (the file
+  /// name without its directory) into `target`.
+  TCPPFileParser(std::string_view fileName, uint8_t option, TClasslist* target,
+                 const TMemoryStream* stream);
+
+  /// The names of `#include "..."` lines; `#include <...>` is not recorded. Sorted,
+  /// case-insensitive, without duplicates.
+  TStringList IncludeNames{true, TDuplicates::Ignore, false};
+
+ protected:
+  void HandleToken() override;
+
+ private:
+  void ReadInclude();
+  /// A free function prototype becomes a routine of Target; everything else at file level
+  /// (variables, definitions, initializers) is passed over.
+  void ParseGlobalDeclaration();
+
+  int32_t Depth = 0;  // brace depth of namespace and extern blocks
+  const TMemoryStream* Stream;
+  TNamespaceMapStack Namespaces;
+  bool ExternBlock = false;  // the next `{` opens a parsed block (after `extern "C"`)
+};
+
+class TCPPClassParser : public TCPPClassFinderParser {
+ public:
+  /// A parser for the body of `owner`, with the cursor on the first token inside the
+  /// body; `nesting` counts the class bodies around it, this one included.
+  TCPPClassParser(TCPPTokenizer& tokenizer, std::string_view fileName, TClasslist* target,
+                  TClassDescription* owner, int nesting, bool wantPositions);
+
+ protected:
+  void HandleToken() override;
+
+ private:
+  void ReadSection(TVisibility visibility);
+  void ParseMemberDeclaration();
+  void ParsePropertyDeclaration();
+
+  TClassDescription* Owner;
+  TVisibility Visibility;     // the current section
+  TPositionInfo* positions_;  // Owner's position table when positions are wanted, else null
+};
+
+}  // namespace velmora
