@@ -1,5 +1,7 @@
 #include "model/class_list.h"
 
+#include <algorithm>
+
 #include "model/class_info_error.h"
 #include "model/class_info_format.h"
 #include "support/ansi.h"
@@ -128,10 +130,14 @@ void TCommonClassList::MergeFrom(const TCommonClassList& a, const TCommonClassLi
 
 void TCommonClassList::GetAncestorChain(const TClassDescription& cls,
                                         std::vector<TClassDescription*>& result) const {
+  const auto first = static_cast<std::ptrdiff_t>(result.size());
   std::string name = cls.GetDirectAncestorName();
-  for (int steps = Count(); steps > 0; --steps) {
+  for (;;) {
     TClassDescription* found = Find(name);
     if (!found) return;
+    // Chains are short; a linear look at this walk's part of the result is enough to end a
+    // cycle the first time it comes round.
+    if (std::find(result.begin() + first, result.end(), found) != result.end()) return;
     result.push_back(found);
     name = found->GetDirectAncestorName();
     if (name.empty() || SameName(name, found->Name, found->Language)) return;

@@ -81,8 +81,8 @@ class TCommonClassList {
   /// Appends to `result` the ancestors of `cls` found in this list, nearest first: each
   /// class's direct ancestor name looked up with Find. The walk ends at a name not found,
   /// at a class without an ancestor name, at a class naming itself (that class is the last
-  /// entry), and, so that a cycle of classes cannot hold it, after as many steps as this
-  /// list has classes.
+  /// entry), and at a class already in the chain, so a cycle (A from B, B from A) gives
+  /// each of its classes once.
   void GetAncestorChain(const TClassDescription& cls,
                         std::vector<TClassDescription*>& result) const;
   /// Whether the chain of direct ancestors of `cls` reaches `ancestorName` (compared by
