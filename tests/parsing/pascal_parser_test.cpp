@@ -1,0 +1,569 @@
+// The Pascal file and class parser on small texts: the bracket operations, type heads,
+// class bodies, unit-level routines and includes, positions, re-parses and hostile input.
+// Larger units are golden cases under golden/pascal/.
+#include "parsing/pascal_parser.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "model/class_list.h"
+#include "model/model_text.h"
+#include "parsing/pascal_tokenizer.h"
+#include "support/stream.h"
+#include "support/text_buffer.h"
+
+namespace velmora {
+namespace {
+
+const std::regex kPositions(" at -?[0-9]+:-?[0-9]+--?[0-9]+:-?[0-9]+");
+
+// DescribeModel without the positions.
+std::string ModelText(const TClasslist& list) {
+  return std::regex_replace(DescribeModel(list), kPositions, "");
+}
+
+struct TParseResult {
+  std::string model;  // DescribeModel without positions, then "includes: ..." if any
+  bool inImplementation;
+};
+
+TParseResult ParseUnit(TClasslist& list, const std::string& text, bool parseImplementation = true,
+                       bool wantPositions = false) {
+  const TMemoryStream stream(ToBufferForm(text));
+  TPascalFileParser parser("u.pas", 0, &list, &stream);
+  parser.ParseImplementation = parseImplementation;
+  parser.WantPositions = wantPositions;
+  parser.Parse();
+  TParseResult r{ModelText(list), parser.InImplementation};
+  if (parser.IncludeNames.Count() > 0) {
+    r.model += "includes:";
+    for (int i = 0; i < parser.IncludeNames.Count(); ++i)
+      r.model += " " + parser.IncludeNames.Strings(i);
+    r.model += "\n";
+  }
+  return r;
+}
+
+std::string Describe(const std::string& text, bool parseImplementation = true) {
+  TClasslist list;
+  return ParseUnit(list, text, parseImplementation).model;
+}
+
+// The member lines of class `TC` declared with `body`, one indentation step removed.
+std::string Members(const std::string& body) {
+  const std::string model = Describe("type TC = class\n" + body + "\nend;");
+  std::string out;
+  size_t line = model.find('\n');  // the class line itself
+  while (line != std::string::npos && line + 1 < model.size()) {
+    const size_t next = model.find('\n', line + 1);
+    out += model.substr(line + 3, next - line - 2);
+    line = next;
+  }
+  return out;
+}
+
+// ---- Bracket operations ----
+
+struct TCursorCase {
+  std::string text;  // the cursor starts on token 0
+  int kind = 0;      // CollectBracket: the opener; ReadTo: the stop kind
+  int result = 0;    // CollectBracket: 1 or 0; SkipTo and ReadTo: the kind returned
+  std::string collected = "";
+  std::string stopText = "";  // text of the token the cursor ends on
+};
+
+TEST(PascalBracketTest, CollectBracket) {
+  const TCursorCase cases[] = {
+      {.text = "(a, b)x", .kind = ptOpenParen, .result = 1, .collected = "a, b", .stopText = ")"},
+      {.text = "( a  (b)\r\n c )",
+       .kind = ptOpenParen,
+       .result = 1,
+       .collected = "a (b) c",
+       .stopText = ")"},
+      {.text = "(a{c}b(*d*)e//f\r\ng)",
+       .kind = ptOpenParen,
+       .result = 1,
+       .collected = "a b e g",
+       .stopText = ")"},
+      {.text = "(a [)", .kind = ptOpenParen, .result = 1, .collected = "a [", .stopText = ")"},
+      {.text = "[1..2]", .kind = ptOpenBracket, .result = 1, .collected = "1..2", .stopText = "]"},
+      {.text = "(.1.)", .kind = ptOpenBracket, .result = 1, .collected = "1", .stopText = ".)"},
+      {.text = "record a: record b: c; end; end; x",
+       .kind = ptRecord,
+       .result = 1,
+       .collected = "a: record b: c; end;",
+       .stopText = "end"},
+      {.text = "RECORD case x of 1: (a: b); END",
+       .kind = ptRecord,
+       .result = 1,
+       .collected = "case x of 1: (a: b);",
+       .stopText = "END"},
+      {.text = "(a (b)", .kind = ptOpenParen, .result = 0, .collected = "a (b)", .stopText = ""},
+      {.text = "(a]", .kind = ptOpenParen, .result = 0, .collected = "a]", .stopText = ""},
+      {.text = "a)", .kind = ptIdentifier, .result = 0, .collected = "", .stopText = "a"},
+  };
+  for (const TCursorCase& c : cases) {
+    TPascalTokenizer t;
+    t.SetText(c.text.c_str(), static_cast<int32_t>(c.text.size()));
+    std::string text = "old";
+    EXPECT_EQ(PascalCollectBracket(t, c.kind, &text), c.result == 1) << c.text;
+    EXPECT_EQ(text, c.collected) << c.text;
+    EXPECT_EQ(t.Text(), c.stopText) << c.text;
+  }
+}
+
+TEST(PascalBracketTest, SkipToAndReadTo) {
+  const TTokenKindSet semicolon = {ptSemicolon};
+  const TCursorCase skips[] = {
+      {.text = "a ( ; ) [ ; ] record ; end ; x", .result = ptSemicolon, .stopText = ";"},
+      {.text = "; x", .result = ptSemicolon, .stopText = ";"},
+      {.text = "a ( ; ) b", .result = ptUnknownChar, .stopText = ""},
+      // Each group counts its own pair only: the `(` does not hide the record's `end`.
+      {.text = "a record b; ( end ; )", .result = ptSemicolon, .stopText = ";"},
+      {.text = "a record b; c", .result = ptUnknownChar, .stopText = ""},
+      {.text = "", .result = ptUnknownChar, .stopText = ""},
+  };
+  for (const TCursorCase& c : skips) {
+    TPascalTokenizer t;
+    t.SetText(c.text.c_str(), static_cast<int32_t>(c.text.size()));
+    EXPECT_EQ(PascalSkipTo(t, semicolon), c.result) << c.text;
+    EXPECT_EQ(t.Text(), c.stopText) << c.text;
+    if (c.stopText == ";") {
+      EXPECT_EQ(t.Offset(), static_cast<int32_t>(c.text.rfind(';'))) << c.text;
+    }
+  }
+
+  const TCursorCase reads[] = {
+      {.text = ": array[0..1] of Integer; x",
+       .kind = ptSemicolon,
+       .result = ptSemicolon,
+       .collected = "array[0..1] of Integer",
+       .stopText = ";"},
+      {.text = ": procedure(A: Integer; B: Byte) of object;",
+       .kind = ptSemicolon,
+       .result = ptSemicolon,
+       .collected = "procedure(A: Integer; B: Byte) of object",
+       .stopText = ";"},
+      {.text = ":\r\n  record a: x; end ;",
+       .kind = ptSemicolon,
+       .result = ptSemicolon,
+       .collected = "record a: x; end",
+       .stopText = ";"},
+      {.text = ": Integer{c}deprecated;",
+       .kind = ptSemicolon,
+       .result = ptSemicolon,
+       .collected = "Integer deprecated",
+       .stopText = ";"},
+      // A stray closer does not make the depth negative.
+      {.text = "x ) ;",
+       .kind = ptSemicolon,
+       .result = ptSemicolon,
+       .collected = ")",
+       .stopText = ";"},
+      {.text = ": Integer",
+       .kind = ptSemicolon,
+       .result = 0,
+       .collected = "Integer",
+       .stopText = ""},
+      {.text = ": (a; b", .kind = ptSemicolon, .result = 0, .collected = "(a; b", .stopText = ""},
+      {.text = ": Integer end;",
+       .kind = ptEnd,
+       .result = ptEnd,
+       .collected = "Integer",
+       .stopText = "end"},
+  };
+  for (const TCursorCase& c : reads) {
+    TPascalTokenizer t;
+    t.SetText(c.text.c_str(), static_cast<int32_t>(c.text.size()));
+    std::string text = "old";
+    EXPECT_EQ(PascalReadTo(t, c.kind, text), c.result) << c.text;
+    EXPECT_EQ(text, c.collected) << c.text;
+    EXPECT_EQ(t.Text(), c.stopText) << c.text;
+  }
+  // Halting kinds stop the read only outside groups.
+  const std::string text = ": procedure(a: (x, y)) of object end;";
+  TPascalTokenizer t;
+  t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
+  const TTokenKindSet halts = {ptEnd, ptObject};
+  std::string collected;
+  EXPECT_EQ(PascalReadTo(t, ptSemicolon, collected, &halts), ptObject);
+  EXPECT_EQ(collected, "procedure(a: (x, y)) of");
+}
+
+// ---- Type declaration heads ----
+
+struct TModelCase {
+  std::string text;
+  std::string expected;
+};
+
+TEST(PascalParserTest, TypeDeclarationHeads) {
+  const TModelCase cases[] = {
+      // Forward declarations, class references, records and aliases record nothing.
+      {.text = "type TFoo = class; TFooClass = class of TFoo; IBar = interface;", .expected = ""},
+      {.text = "type R = record a: Integer; end; E = (x, y); A = TFoo; P = procedure of object;",
+       .expected = ""},
+      {.text = "type TBar = class(TFoo);",
+       .expected = "class \"TBar\" Pascal unit=\"u.pas\"\n  ancestor public \"TFoo\"\n"},
+      {.text = "type TBar = packed class end;",
+       .expected = "class \"TBar\" Pascal unit=\"u.pas\"\n"},
+      {.text = "type TBar = class(TFoo, IA, Sys.IB) end;",
+       .expected = "class \"TBar\" Pascal unit=\"u.pas\"\n  ancestor public \"TFoo\"\n"
+                   "  ancestor public \"IA\"\n  ancestor public \"IB\"\n"},
+      {.text = "type IFoo = interface(IUnknown) ['{00000000-0000-0000-0000-000000000000}'] "
+               "procedure A; end;",
+       .expected = "interface \"IFoo\" Pascal unit=\"u.pas\" "
+                   "guid=\"00000000-0000-0000-0000-000000000000\"\n"
+                   "  ancestor public \"IUnknown\"\n"
+                   "  method published procedure \"A\" result=\"\" directives=0x0000\n"},
+      {.text = "type D = dispinterface ['{X}'] end;",
+       .expected = "dispatch interface \"D\" Pascal unit=\"u.pas\" guid=\"X\"\n"},
+      // Only a quoted, braced GUID with something inside counts.
+      {.text = "type I = interface [SID_I] ['{}'] end;",
+       .expected = "interface \"I\" Pascal unit=\"u.pas\"\n"},
+      // Records in the interface section are passed whole: their methods are no routines.
+      {.text = "type R = packed record procedure M; end; procedure P;",
+       .expected = "routine file=\"u.pas\"\n"
+                   "  method public procedure \"P\" result=\"\" directives=0x0000\n"},
+      // An ancestor list missing its `)` ends at the first member.
+      {.text = "type T = class(TFoo procedure M; end;",
+       .expected = "class \"T\" Pascal unit=\"u.pas\"\n  ancestor public \"TFoo\"\n"
+                   "  method published procedure \"M\" result=\"\" directives=0x0000\n"},
+  };
+  for (const TModelCase& c : cases) EXPECT_EQ(Describe(c.text), c.expected) << c.text;
+}
+
+// ---- Class bodies ----
+
+TEST(PascalParserTest, MethodsAndDirectives) {
+  const TModelCase cases[] = {
+      {.text = "procedure Paint; override;",
+       .expected = "method published procedure \"Paint\" result=\"\" directives=0x0004\n"},
+      {.text = "procedure WMSize(var Msg: TWMSize); message WM_SIZE;",
+       .expected = "method published procedure \"WMSize\" result=\"\" directives=0x0010 "
+                   "message=\"WM_SIZE\"\n"
+                   "  param name=\"Msg\" modifier=\"var\" type=\"TWMSize\" default=\"\"\n"},
+      {.text = "procedure M; message WM_USER + 1;",
+       .expected = "method published procedure \"M\" result=\"\" directives=0x0010 "
+                   "message=\"WM_USER + 1\"\n"},
+      {.text = "procedure A; virtual; dynamic; override; abstract; stdcall; register; "
+               "pascal; cdecl; safecall; overload;",
+       .expected = "method published procedure \"A\" result=\"\" directives=0x87af\n"},
+      {.text = "class function Make(A, B: Integer): TFoo; virtual;",
+       .expected = "method published function \"Make\" result=\"TFoo\" directives=0x0041\n"
+                   "  param name=\"A\" modifier=\"\" type=\"Integer\" default=\"\"\n"
+                   "  param name=\"B\" modifier=\"\" type=\"Integer\" default=\"\"\n"},
+      {.text = "constructor Create(AOwner: TComponent); destructor Destroy; override;",
+       .expected = "method published constructor \"Create\" result=\"\" directives=0x0000\n"
+                   "  param name=\"AOwner\" modifier=\"\" type=\"TComponent\" default=\"\"\n"
+                   "method published destructor \"Destroy\" result=\"\" directives=0x0004\n"},
+      {.text = "function F: string; function G: Classes.TList;",
+       .expected = "method published function \"F\" result=\"string\" directives=0x0000\n"
+                   "method published function \"G\" result=\"Classes.TList\" "
+                   "directives=0x0000\n"},
+      // Overloads stand side by side, each with its own directives.
+      {.text = "procedure P(A: Integer); overload; procedure P(S: string); overload; virtual;",
+       .expected = "method published procedure \"P\" result=\"\" directives=0x8000\n"
+                   "  param name=\"A\" modifier=\"\" type=\"Integer\" default=\"\"\n"
+                   "method published procedure \"P\" result=\"\" directives=0x8001\n"
+                   "  param name=\"S\" modifier=\"\" type=\"string\" default=\"\"\n"},
+      // Words without a bit keep the method for the directives after them; other tokens
+      // between cut it off.
+      {.text = "procedure A; reintroduce; overload; procedure B; dispid 3; stdcall;",
+       .expected = "method published procedure \"A\" result=\"\" directives=0x8000\n"
+                   "method published procedure \"B\" result=\"\" directives=0x0020\n"},
+      {.text = "procedure A; {$IFDEF X} overload; {$ENDIF} F: Integer; virtual;",
+       .expected = "field published \"F\" type=\"Integer\" modifier=\"\"\n"
+                   "method published procedure \"A\" result=\"\" directives=0x8000\n"},
+      {.text = "virtual; property P: Integer; abstract;",
+       .expected = "property published \"P\" type=\"Integer\" modifier=\"\" index_params=\"\" "
+                   "index=\"\" read=\"\" write=\"\" stored=\"\" default=\"\"\n"},
+      // A method resolution clause declares nothing.
+      {.text = "procedure IFoo.Bar = Baz; function IFoo.Q = R; virtual;", .expected = ""},
+      // A directive word followed by `:` or `,` names a field.
+      {.text = "procedure A; Message: TMessage; Register, Pascal: Byte;",
+       .expected = "field published \"Message\" type=\"TMessage\" modifier=\"\"\n"
+                   "field published \"Register\" type=\"Byte\" modifier=\"\"\n"
+                   "field published \"Pascal\" type=\"Byte\" modifier=\"\"\n"
+                   "method published procedure \"A\" result=\"\" directives=0x0000\n"},
+      // `class var` and `class property` go on from the word after `class`.
+      {.text = "class var Count: Integer; class property Total: Integer read Count;",
+       .expected = "field published \"Count\" type=\"Integer\" modifier=\"\"\n"
+                   "property published \"Total\" type=\"Integer\" modifier=\"\" "
+                   "index_params=\"\" index=\"\" read=\"Count\" write=\"\" stored=\"\" "
+                   "default=\"\"\n"},
+  };
+  for (const TModelCase& c : cases) EXPECT_EQ(Members(c.text), c.expected) << c.text;
+}
+
+TEST(PascalParserTest, VisibilityFieldsAndProperties) {
+  const TModelCase cases[] = {
+      // Published until the first visibility word; no colons; automated counts as public.
+      {.text = "Button1: TButton; private FA: Integer; protected FB: Byte; public FC: Char; "
+               "automated FD: Word; published FE: Real;",
+       .expected = "field published \"Button1\" type=\"TButton\" modifier=\"\"\n"
+                   "field private \"FA\" type=\"Integer\" modifier=\"\"\n"
+                   "field protected \"FB\" type=\"Byte\" modifier=\"\"\n"
+                   "field public \"FC\" type=\"Char\" modifier=\"\"\n"
+                   "field public \"FD\" type=\"Word\" modifier=\"\"\n"
+                   "field published \"FE\" type=\"Real\" modifier=\"\"\n"},
+      {.text = "A, B, C: array[0..1] of Integer;",
+       .expected = "field published \"A\" type=\"array[0..1] of Integer\" modifier=\"\"\n"
+                   "field published \"B\" type=\"array[0..1] of Integer\" modifier=\"\"\n"
+                   "field published \"C\" type=\"array[0..1] of Integer\" modifier=\"\"\n"},
+      {.text = "R: record X, Y: Integer; end; S: packed record end; T: Byte;",
+       .expected = "field published \"R\" type=\"record\" modifier=\"\"\n"
+                   "field published \"S\" type=\"record\" modifier=\"\"\n"
+                   "field published \"T\" type=\"Byte\" modifier=\"\"\n"},
+      {.text = "FOnX: procedure(Sender: TObject; X: Integer) of object;",
+       .expected = "field published \"FOnX\" type=\"procedure(Sender: TObject; X: Integer) of "
+                   "object\" modifier=\"\"\n"},
+      // A field missing its `;` ends at the next member; `strict` alone records nothing.
+      {.text = "FA: Integer\nproperty P: Integer; strict private FB: Byte;",
+       .expected = "field published \"FA\" type=\"Integer\" modifier=\"\"\n"
+                   "property published \"P\" type=\"Integer\" modifier=\"\" index_params=\"\" "
+                   "index=\"\" read=\"\" write=\"\" stored=\"\" default=\"\"\n"
+                   "field private \"FB\" type=\"Byte\" modifier=\"\"\n"},
+      // The property ends at its first `;`; the trailing `default;` records nothing.
+      {.text = "property Items[Index: Integer]: string read GetItem write SetItem; default;",
+       .expected = "property published \"Items\" type=\"string\" modifier=\"\" "
+                   "index_params=\"Index: Integer\" index=\"\" read=\"GetItem\" "
+                   "write=\"SetItem\" stored=\"\" default=\"\"\n"},
+      {.text = "property Left: Integer index 0 read GetC write SetC stored IsStored "
+               "default -1;",
+       .expected = "property published \"Left\" type=\"Integer\" modifier=\"\" index_params=\"\" "
+                   "index=\"0\" read=\"GetC\" write=\"SetC\" stored=\"IsStored\" "
+                   "default=\"-\"\n"},
+      {.text = "property Tag: Longint read FTag write FTag nodefault; "
+               "property Intf: IFoo read FIntf implements IFoo; property Caption;",
+       .expected = "property published \"Tag\" type=\"Longint\" modifier=\"\" index_params=\"\" "
+                   "index=\"\" read=\"FTag\" write=\"FTag\" stored=\"\" default=\"nodefault\"\n"
+                   "property published \"Intf\" type=\"IFoo\" modifier=\"\" index_params=\"\" "
+                   "index=\"\" read=\"FIntf\" write=\"\" stored=\"\" default=\"\"\n"
+                   "property published \"Caption\" type=\"\" modifier=\"\" index_params=\"\" "
+                   "index=\"\" read=\"\" write=\"\" stored=\"\" default=\"\"\n"},
+      // A property missing its `;` ends at the next member.
+      {.text = "property A: Integer read FA\nprocedure M;",
+       .expected = "property published \"A\" type=\"Integer\" modifier=\"\" index_params=\"\" "
+                   "index=\"\" read=\"FA\" write=\"\" stored=\"\" default=\"\"\n"
+                   "method published procedure \"M\" result=\"\" directives=0x0000\n"},
+  };
+  for (const TModelCase& c : cases) EXPECT_EQ(Members(c.text), c.expected) << c.text;
+}
+
+// ---- Unit level ----
+
+TEST(PascalParserTest, RoutinesIncludesAndImplementation) {
+  const std::string kProc = "  method public procedure \"P\" result=\"\" directives=0x0000\n";
+  const std::string kRoutineP = "routine file=\"u.pas\"\n" + kProc;
+  const struct {
+    std::string text;
+    bool parseImplementation;
+    std::string expected;
+    bool inImplementation;
+  } cases[] = {
+      {.text = "function F(const S: string): Boolean; stdcall; procedure P;",
+       .parseImplementation = true,
+       .expected = "routine file=\"u.pas\"\n"
+                   "  method public function \"F\" result=\"Boolean\" directives=0x0000\n"
+                   "    param name=\"S\" modifier=\"const\" type=\"string\" default=\"\"\n" +
+                   kRoutineP,
+       .inImplementation = false},
+      {.text = "{$I defs.inc} {$INCLUDE 'defs.inc'} {$i Other.INC} {$I+} {$IFDEF X} {$I }",
+       .parseImplementation = true,
+       .expected = "includes: defs.inc Other.INC\n",
+       .inImplementation = false},
+      // After `implementation` no routine is recorded; classes are, unless the parse stops.
+      {.text = "procedure P; implementation procedure Q; type T = class end;",
+       .parseImplementation = true,
+       .expected = "class \"T\" Pascal unit=\"u.pas\"\n" + kRoutineP,
+       .inImplementation = true},
+      {.text = "procedure P; implementation type T = class end; {$I x.inc}",
+       .parseImplementation = false,
+       .expected = kRoutineP,
+       .inImplementation = true},
+      {.text = "procedure P; IMPLEMENTATION type T = class end;",
+       .parseImplementation = false,
+       .expected = kRoutineP,
+       .inImplementation = true},
+      // A class missing its `end` still lets `implementation` stop the parse.
+      {.text = "type T = class procedure M; implementation type U = class end;",
+       .parseImplementation = false,
+       .expected = "class \"T\" Pascal unit=\"u.pas\"\n"
+                   "  method published procedure \"M\" result=\"\" directives=0x0000\n",
+       .inImplementation = true},
+      // Method headings and procedural types are no routines.
+      {.text = "procedure TFoo.Bar; type P = procedure(X: Integer); F = function: Byte;",
+       .parseImplementation = true,
+       .expected = "",
+       .inImplementation = false},
+  };
+  for (const auto& c : cases) {
+    TClasslist list;
+    const TParseResult r = ParseUnit(list, c.text, c.parseImplementation);
+    EXPECT_EQ(r.model, c.expected) << c.text;
+    EXPECT_EQ(r.inImplementation, c.inImplementation) << c.text;
+  }
+}
+
+// ---- Positions ----
+
+TEST(PascalParserTest, PositionsAndPositionTable) {
+  // Line 1 holds a directive spanning two lines: positions count lines from the text.
+  const std::string text =
+      "{$IFDEF X\r\n}\r\n"                   // lines 1-2
+      "type TC = class(TObject)\r\n"         // line 3 from offset 14
+      "    F: Integer;\r\n"                  // 4 from 40
+      "    procedure M; virtual;\r\n"        // 5 from 57
+      "  private\r\n"                        // 6 from 84
+      "    property P: Integer read F;\r\n"  // 7 from 95
+      "  end;\r\n"                           // 8 from 128
+      "function R: Integer;\r\n";            // 9 from 136
+  TClasslist list;
+  ParseUnit(list, text, true, true);
+  const TClassDescription* c = list.Find("TC");
+  ASSERT_NE(c, nullptr);
+  const auto at = [](const TCodeObject& o) {
+    return std::to_string(o.StartLine) + ":" + std::to_string(o.StartOffset) + "-" +
+           std::to_string(o.EndLine) + ":" + std::to_string(o.EndOffset);
+  };
+  EXPECT_EQ(at(*c), "3:19-8:130");
+  EXPECT_EQ(at(*c->Fields.Find("F")), "4:44-4:54");
+  EXPECT_EQ(at(*c->Methods.Find("M")), "5:61-5:81");  // ends at the directive's `;`
+  EXPECT_EQ(at(*c->Fields.Find("P")), "7:99-7:125");
+  EXPECT_EQ(at(*list.Routines.Items(list.Routines.IndexOfName("R"))), "9:136-9:155");
+
+  TClassDescription* mc = list.Find("TC");
+  const TPositionInfo* table = mc->GetPositionInfo(false);
+  ASSERT_NE(table, nullptr);
+  const auto block = [&](TVisibility v, TPositionInfo::Block b) {
+    const TPositionInfo::Positions& p = table->At(v, b);
+    return std::to_string(p.StartLine) + ":" + std::to_string(p.StartOffset) + "-" +
+           std::to_string(p.EndLine) + ":" + std::to_string(p.EndOffset);
+  };
+  EXPECT_EQ(block(TVisibility::Published, TPositionInfo::LastField), "4:44-4:54");
+  EXPECT_EQ(block(TVisibility::Published, TPositionInfo::LastMethod), "5:61-5:81");
+  EXPECT_EQ(block(TVisibility::Private, TPositionInfo::Section), "6:86-6:93");
+  EXPECT_EQ(block(TVisibility::Private, TPositionInfo::LastProperty), "7:99-7:125");
+  EXPECT_EQ(block(TVisibility::Public, TPositionInfo::Section), "-1:-1--1:-1");
+
+  // A parse without positions drops the stale table.
+  ParseUnit(list, text, true, false);
+  EXPECT_EQ(mc->GetPositionInfo(false), nullptr);
+}
+
+// ---- Re-parse ----
+
+TEST(PascalParserTest, ReparseRefreshesInPlace) {
+  // The caller's mark and sweep around a second parse of the unit: the same objects are
+  // refilled, and what the old declaration said and the new one does not is gone (the
+  // GUID, the message name, a property's specifiers, a field's property mark).
+  const std::string second =
+      "type TC = interface(TB) procedure M; property F: Byte; P: string; end;";
+  // Fields keep their places in the list: views keep their items.
+  TClasslist list;
+  ParseUnit(list,
+            "type TC = class(TA) ['{G}'] procedure M; message X; "
+            "property P: Integer read FP write SetP; F: Integer; end;");
+  TClassDescription* c = list.Find("TC");
+  ASSERT_NE(c, nullptr);
+  TMethodDescription* m = c->Methods.Find("M");
+  list.Mark("u.pas", false);
+  ParseUnit(list, second);
+  list.Sweep(false, "u.pas");
+  EXPECT_EQ(list.Find("TC"), c);
+  EXPECT_EQ(c->Methods.Find("M"), m);
+  EXPECT_EQ(ModelText(list),
+            "interface \"TC\" Pascal unit=\"u.pas\"\n"
+            "  ancestor public \"TB\"\n"
+            "  field published \"P\" type=\"string\" modifier=\"\"\n"
+            "  property published \"F\" type=\"Byte\" modifier=\"\" index_params=\"\" index=\"\" "
+            "read=\"\" write=\"\" stored=\"\" default=\"\"\n"
+            "  method published procedure \"M\" result=\"\" directives=0x0000\n");
+}
+
+// ---- Hostile input ----
+
+// Every recorded position lies inside the text, end not before start.
+void ExpectPositionsInside(const TCodeObject& o, int32_t size, const std::string& text) {
+  EXPECT_TRUE(o.StartOffset >= 0 && o.StartOffset <= o.EndOffset && o.EndOffset <= size)
+      << o.Name << " in " << text.substr(0, 40);
+  EXPECT_TRUE(o.StartLine >= 1 && o.StartLine <= o.EndLine)
+      << o.Name << " in " << text.substr(0, 40);
+}
+
+TEST(PascalParserTest, HostileInputEnds) {
+  std::vector<std::string> texts = {
+      "type T = class property",
+      "type T = class procedure",
+      "type T = class class",
+      "type T = class F:",
+      "type T = class message",
+      "type T = class procedure M; message",
+      "type T = class property P[",
+      "type T = class property P: Integer read",
+      "type T = class(",
+      "type T =",
+      "type T = class F: record",
+      "type T = class { unclosed",
+      "type T = class (* unclosed",
+      "type T = class F: 'unclosed",
+      "type T = class ['{",
+      "procedure",
+      "function F(",
+      "{$I ",
+      "implementation",
+      "class",
+      std::string("type T = class F\0: Integer; end;", 32),
+  };
+  std::string deep = "type T = class F: ";
+  for (int i = 0; i < 10000; ++i) deep += "record ";
+  texts.push_back(deep);
+  texts.push_back("type T = class procedure M" + std::string(10000, '(') + "; end;");
+  texts.push_back("type T = class F: " + std::string(10000, '[') + "; end;");
+  texts.push_back("type T = class F: " + std::string(10000, '(') + "; end;");
+  std::string classes;
+  for (int i = 0; i < 10000; ++i) classes += "T" + std::to_string(i) + " = class(";
+  texts.push_back("type " + classes);
+  std::mt19937 random(12345);
+  for (int n = 0; n < 200; ++n) {
+    std::string bytes(1 + random() % 400, '\0');
+    for (char& ch : bytes) ch = static_cast<char>(random() % 256);
+    texts.push_back("type T = class " + bytes);
+  }
+  for (const std::string& text : texts) {
+    for (bool wantPositions : {false, true}) {
+      TClasslist list;
+      const TMemoryStream stream(text);
+      TPascalFileParser parser("u.pas", 0, &list, &stream);
+      parser.WantPositions = wantPositions;
+      parser.Parse();
+      const int32_t size = static_cast<int32_t>(text.size());
+      for (int i = 0; i < list.Count(); ++i) {
+        const TClassDescription& c = *list.Items(i);
+        ExpectPositionsInside(c, size, text);
+        for (int j = 0; j < c.Fields.Count(); ++j)
+          ExpectPositionsInside(*c.Fields.Items(j), size, text);
+        for (int j = 0; j < c.Methods.Count(); ++j)
+          ExpectPositionsInside(*c.Methods.Items(j), size, text);
+      }
+      for (int i = 0; i < list.Routines.Count(); ++i)
+        ExpectPositionsInside(*list.Routines.Items(i), size, text);
+    }
+  }
+  // An unclosed record runs to the end of the text; the field before it is still kept.
+  EXPECT_EQ(Describe(deep),
+            "class \"T\" Pascal unit=\"u.pas\"\n"
+            "  field published \"F\" type=\"record\" modifier=\"\"\n");
+  // Ten thousand classes whose ancestor lists never close: the first list ends at `=`, and
+  // the first class's body, never closed, takes the rest without recording anything.
+  EXPECT_EQ(Describe("type " + classes),
+            "class \"T0\" Pascal unit=\"u.pas\"\n  ancestor public \"T1\"\n");
+}
+
+}  // namespace
+}  // namespace velmora
