@@ -31,7 +31,8 @@ TDomain::~TDomain() {
 }
 
 void TDomain::AddClass(TClassDescription* cls) {
-  if (!cls || ContainsClass(cls)) return;
+  // A class's link and its domain's list always agree, so the link answers "already in".
+  if (!cls || cls->Domain == this) return;
   if (cls->Domain && cls->Domain != this) cls->Domain->RemoveClass(cls, true);
   ClassNames.Add(cls->Name);
   // Insert at the end of the equal names, which is where a stable re-sort would put it.
@@ -65,7 +66,13 @@ void TDomain::LoadFromStream(TStream& stream) {
   Classes.clear();
   ClassNames.Clear();
   TNamedObject::LoadFromStream(stream);
-  for (uint32_t n = LoadU32(stream); n > 0; --n) ClassNames.Add(LoadString(stream));
+  // Sorted once and then appended: adding a damaged file's names one by one in reverse
+  // order would move the whole list for each.
+  std::vector<std::string> names;
+  for (uint32_t n = LoadU32(stream); n > 0; --n) names.push_back(LoadString(stream));
+  std::stable_sort(names.begin(), names.end(),
+                   [](const std::string& a, const std::string& b) { return CompareStr(a, b) < 0; });
+  for (const std::string& name : names) ClassNames.Add(name);
   Saved = true;
 }
 
@@ -165,11 +172,20 @@ void TDomainList::NotifyAll(int index) {
 void TDomainList::LoadFromStream(TStream& stream, bool withMarker) {
   Clear();
   if (withMarker && LoadU32(stream) != kDomainMarker) throw EClassInfoFileError(kFilesRestored, 1);
-  for (uint32_t n = LoadU32(stream); n > 0; --n) {
-    auto domain = std::make_unique<TDomain>(LoadString(stream));
-    domain->LoadFromStream(stream);
-    Add(std::move(domain));
+  // Appended and sorted once at the end, so that a file claiming very many domains costs
+  // no more than reading them.
+  try {
+    for (uint32_t n = LoadU32(stream); n > 0; --n) {
+      auto domain = std::make_unique<TDomain>(LoadString(stream));
+      domain->LoadFromStream(stream);
+      domain->DomainList = this;
+      items_.push_back(std::move(domain));
+    }
+  } catch (...) {
+    Sort();  // the domains read before the failure stay, in order
+    throw;
   }
+  Sort();
 }
 
 void TDomainList::SaveToStream(TStream& stream, bool withMarker) const {
