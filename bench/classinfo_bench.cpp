@@ -52,9 +52,8 @@ std::shared_ptr<Model> SyntheticModel(int classCount, int unitCount) {
     cls->SetStart(c * 40 + 1, c * 1500);
     cls->SetEnd(c * 40 + 39, c * 1500 + 1400);
     for (int i = 0; i < 8; ++i) {
-      TFieldDescription* f = cls->Fields.FindOrAdd("FValue" + std::to_string(i),
-                                                   i % 2 ? "int" : "AnsiString",
-                                                   TVisibility::Private);
+      TFieldDescription* f = cls->Fields.FindOrAdd(
+          "FValue" + std::to_string(i), i % 2 ? "int" : "AnsiString", TVisibility::Private);
       f->SetStart(c * 40 + 2 + i, c * 1500 + 30 * i);
       f->SetEnd(c * 40 + 2 + i, c * 1500 + 30 * i + 20);
     }
@@ -73,9 +72,8 @@ std::shared_ptr<Model> SyntheticModel(int classCount, int unitCount) {
       meth->SetEnd(c * 40 + 10 + i, c * 1500 + 350 + 60 * i);
     }
     for (int i = 0; i < 4; ++i) {
-      TFieldDescription* p = cls->Fields.FindOrAdd("Value" + std::to_string(i),
-                                                   i % 2 ? "int" : "AnsiString",
-                                                   TVisibility::Published);
+      TFieldDescription* p = cls->Fields.FindOrAdd(
+          "Value" + std::to_string(i), i % 2 ? "int" : "AnsiString", TVisibility::Published);
       p->SetIsProperty(true);
       p->Property->ReadSpec = "FValue" + std::to_string(i);
       p->Property->WriteSpec = "SetValue" + std::to_string(i);

@@ -36,8 +36,7 @@ void LoadClassInfoFile(const std::string& path, TFilesList& files, TClasslist& c
   classes.LoadFromStream(stream);
 }
 
-std::string FormatMessage(std::string_view pattern,
-                          std::initializer_list<std::string_view> args) {
+std::string FormatMessage(std::string_view pattern, std::initializer_list<std::string_view> args) {
   std::string out;
   out.reserve(pattern.size() + 64);
   auto arg = args.begin();

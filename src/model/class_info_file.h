@@ -18,8 +18,7 @@ class TFilesList;
 /// Writes files then classes into one block and puts it in place of `path` in one step
 /// (temporary file beside it, flushed, renamed over it). Raises EStreamError, leaving the
 /// old file as it was, when any step fails.
-void SaveClassInfoFile(const std::string& path, const TFilesList& files,
-                       const TClasslist& classes);
+void SaveClassInfoFile(const std::string& path, const TFilesList& files, const TClasslist& classes);
 /// Reads the whole file, then the files list and the class list from it. Raises
 /// EStreamError when the file cannot be read and EClassInfoFileError (see its ErrorKind)
 /// when its contents are wrong; what was read before the failure stays in the lists.

@@ -90,9 +90,8 @@ void TDomain::SaveToStream(TStream& stream) const {
 TDomainList::~TDomainList() = default;
 
 void TDomainList::Sort() {
-  std::stable_sort(items_.begin(), items_.end(), [](const auto& a, const auto& b) {
-    return CompareText(a->Name, b->Name) < 0;
-  });
+  std::stable_sort(items_.begin(), items_.end(),
+                   [](const auto& a, const auto& b) { return CompareText(a->Name, b->Name) < 0; });
 }
 
 TDomain* TDomainList::Add(std::unique_ptr<TDomain> domain) {

@@ -52,8 +52,8 @@ void TClassMemberFilter::SetShown(int category, TVisibility visibility, bool sho
 void TClassMemberFilter::Load(const TSettingsStore& store) {
   for (int c = 0; c < kCategories; ++c)
     for (int v = 0; v < kVisibilities; ++v)
-      shown_[c][v] = store.ReadBool(kMemberFilterSection,
-                                    "F" + std::to_string(c) + std::to_string(v), true);
+      shown_[c][v] =
+          store.ReadBool(kMemberFilterSection, "F" + std::to_string(c) + std::to_string(v), true);
 }
 
 void TClassMemberFilter::Save(TSettingsStore& store) const {

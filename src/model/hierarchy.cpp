@@ -47,9 +47,8 @@ void TBaseHierarchy::Build(const std::vector<TRepObject*>& objects, const TNodeF
   std::vector<std::pair<std::string, TBaseHierarchyNode*>> named;
   named.reserve(AllNodes.size());
   for (TBaseHierarchyNode* node : AllNodes) named.emplace_back(node->GetNodeName(), node);
-  std::stable_sort(named.begin(), named.end(), [](const auto& a, const auto& b) {
-    return CompareText(a.first, b.first) < 0;
-  });
+  std::stable_sort(named.begin(), named.end(),
+                   [](const auto& a, const auto& b) { return CompareText(a.first, b.first) < 0; });
   for (size_t i = 0; i < named.size(); ++i) AllNodes[i] = named[i].second;
 
   for (TBaseHierarchyNode* node : AllNodes) {
@@ -68,11 +67,10 @@ void TBaseHierarchy::BuildFromClasses(const TCommonClassList& list) {
 }
 
 TBaseHierarchyNode* TBaseHierarchy::FindNode(std::string_view name) const {
-  const auto it = std::lower_bound(
-      AllNodes.begin(), AllNodes.end(), name,
-      [](const TBaseHierarchyNode* node, std::string_view n) {
-        return CompareText(node->GetNodeName(), n) < 0;
-      });
+  const auto it = std::lower_bound(AllNodes.begin(), AllNodes.end(), name,
+                                   [](const TBaseHierarchyNode* node, std::string_view n) {
+                                     return CompareText(node->GetNodeName(), n) < 0;
+                                   });
   return it != AllNodes.end() && SameText((*it)->GetNodeName(), name) ? *it : nullptr;
 }
 

@@ -37,7 +37,7 @@ class TBaseHierarchyNode {
   virtual TBaseHierarchyNode* FindParentNode() const { return ParentNode; }
 
   TBaseHierarchy* Hierarchy;
-  TBaseHierarchyNode* ParentNode = nullptr;  ///< the root for a top node
+  TBaseHierarchyNode* ParentNode = nullptr;   ///< the root for a top node
   std::vector<TBaseHierarchyNode*> Children;  ///< in tree order
   TRepObject* Data = nullptr;                 ///< not owned
 };

@@ -47,8 +47,7 @@ class TMemorySettingsStore : public TSettingsStore {
                          std::string_view def) const override;
   int32_t ReadInteger(std::string_view section, std::string_view key, int32_t def) const override;
   bool ReadBool(std::string_view section, std::string_view key, bool def) const override;
-  void WriteString(std::string_view section, std::string_view key,
-                   std::string_view value) override;
+  void WriteString(std::string_view section, std::string_view key, std::string_view value) override;
   void WriteInteger(std::string_view section, std::string_view key, int32_t value) override;
   void WriteBool(std::string_view section, std::string_view key, bool value) override;
   bool ValueExists(std::string_view section, std::string_view key) const override;

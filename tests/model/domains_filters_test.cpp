@@ -128,32 +128,36 @@ struct FilterModel {
 
 TEST(FilterTest, TextAndMatching) {
   FilterModel m;
+  using enum TFilter::Type;
+  using enum TFilter::Kind;
   struct Case {
     const char* text;
     int32_t type, kind;
-    bool negate, anyAncestor;
     const char* value;
-    bool matchesForm1;
+    bool matches;
+    bool negate = false, anyAncestor = false;
   } cases[] = {
-      {"orm", TFilter::ftClassName, TFilter::mkContains, false, false, "orm", true},
-      {"tform", TFilter::ftClassName, TFilter::mkBeginsWith, false, false, "tform", true},
-      {"TForm", TFilter::ftClassName, TFilter::mkEquals, false, false, "TForm", false},
-      {"!TForm", TFilter::ftClassName, TFilter::mkEquals, true, false, "TForm", true},
+      // clang-format off
+      {.text = "orm", .type = ftClassName, .kind = mkContains, .value = "orm", .matches = true},
+      {.text = "tform", .type = ftClassName, .kind = mkBeginsWith, .value = "tform", .matches = true},
+      {.text = "TForm", .type = ftClassName, .kind = mkEquals, .value = "TForm", .matches = false},
+      {.text = "!TForm", .type = ftClassName, .kind = mkEquals, .value = "TForm", .matches = true, .negate = true},
       // An empty value is in no subject; negated, it lets everything match.
-      {"", TFilter::ftClassName, TFilter::mkContains, false, false, "", false},
-      {"!", TFilter::ftClassName, TFilter::mkBeginsWith, true, false, "", true},
+      {.text = "", .type = ftClassName, .kind = mkContains, .value = "", .matches = false},
+      {.text = "!", .type = ftClassName, .kind = mkBeginsWith, .value = "", .matches = true, .negate = true},
       // "*" means the whole chain only for the ancestor type.
-      {"*Form", TFilter::ftClassName, TFilter::mkContains, false, false, "*Form", false},
-      {"*TCustomForm", TFilter::ftAncestor, TFilter::mkEquals, false, true, "TCustomForm", true},
-      {"!*TCustomForm", TFilter::ftAncestor, TFilter::mkEquals, true, true, "TCustomForm", false},
-      {"*TWinControl", TFilter::ftAncestor, TFilter::mkContains, false, true, "TWinControl", false},
-      {"TCustomForm", TFilter::ftAncestor, TFilter::mkEquals, false, false, "TCustomForm", false},
-      {"tform", TFilter::ftAncestor, TFilter::mkEquals, false, false, "tform", true},
-      {".H", TFilter::ftUnitName, TFilter::mkContains, false, false, ".H", true},
-      {"Forms", TFilter::ftUnitName, TFilter::mkBeginsWith, false, false, "Forms", false},
+      {.text = "*Form", .type = ftClassName, .kind = mkContains, .value = "*Form", .matches = false},
+      {.text = "*TCustomForm", .type = ftAncestor, .kind = mkEquals, .value = "TCustomForm", .matches = true, .anyAncestor = true},
+      {.text = "!*TCustomForm", .type = ftAncestor, .kind = mkEquals, .value = "TCustomForm", .matches = false, .negate = true, .anyAncestor = true},
+      {.text = "*TWinControl", .type = ftAncestor, .kind = mkContains, .value = "TWinControl", .matches = false, .anyAncestor = true},
+      {.text = "TCustomForm", .type = ftAncestor, .kind = mkEquals, .value = "TCustomForm", .matches = false},
+      {.text = "tform", .type = ftAncestor, .kind = mkEquals, .value = "tform", .matches = true},
+      {.text = ".H", .type = ftUnitName, .kind = mkContains, .value = ".H", .matches = true},
+      {.text = "Forms", .type = ftUnitName, .kind = mkBeginsWith, .value = "Forms", .matches = false},
       // Types and kinds outside the tables match nothing, before negation.
-      {"TForm1", 7, TFilter::mkEquals, false, false, "TForm1", false},
-      {"!TForm1", TFilter::ftClassName, 9, true, false, "TForm1", true},
+      {.text = "TForm1", .type = 7, .kind = mkEquals, .value = "TForm1", .matches = false},
+      {.text = "!TForm1", .type = ftClassName, .kind = 9, .value = "TForm1", .matches = true, .negate = true},
+      // clang-format on
   };
   for (const Case& c : cases) {
     const TFilter f(c.text, c.type, c.kind);
@@ -161,7 +165,7 @@ TEST(FilterTest, TextAndMatching) {
     EXPECT_EQ(f.AnyAncestor, c.anyAncestor) << c.text;
     EXPECT_EQ(f.Value, c.value) << c.text;
     EXPECT_EQ(f.GetText(), c.text) << c.text;
-    EXPECT_EQ(f.Matches(*m.form1), c.matchesForm1) << c.text << " type " << c.type;
+    EXPECT_EQ(f.Matches(*m.form1), c.matches) << c.text << " type " << c.type;
   }
 }
 
