@@ -6,12 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "model/class_list.h"
-#include "model/model_text.h"
 #include "parsing/pascal_tokenizer.h"
 #include "support/stream.h"
 #include "support/text_buffer.h"
@@ -19,15 +17,71 @@
 namespace velmora {
 namespace {
 
-const std::regex kPositions(" at -?[0-9]+:-?[0-9]+--?[0-9]+:-?[0-9]+");
+// One line per record, fields before methods as the lists hold them:
+//   class|interface|dispatch interface Name(Ancestor, ...) {GUID}
+//   field <visibility> Name: Type
+//   property <visibility> Name[IndexParams]: Type read X write Y ...   (non-empty ones)
+//   method <visibility> <kind> Name(Parameters): Result 0xDIRECTIVES message X
+//   routine <kind> Name(Parameters): Result
+//   includes A B
+std::string MethodLine(const TMethodDescription& m) {
+  char bits[8];
+  std::snprintf(bits, sizeof bits, "0x%04x", m.Directives);
+  std::string s =
+      std::string(MethodKindText(m.Kind)) + " " + m.Name + "(" + m.Parameters.GetText() + ")";
+  if (!m.ResultType.empty()) s += ": " + m.ResultType;
+  s += std::string(" ") + bits;
+  if (!m.MessageName.empty()) s += " message " + m.MessageName;
+  return s;
+}
 
-// DescribeModel without the positions.
-std::string ModelText(const TClasslist& list) {
-  return std::regex_replace(DescribeModel(list), kPositions, "");
+std::string Summary(const TClasslist& list, const TStringList* includes = nullptr) {
+  std::string out;
+  const auto line = [&out](const std::string& s) { out += (out.empty() ? "" : "\n") + s; };
+  for (int i = 0; i < list.Count(); ++i) {
+    const TClassDescription& c = *list.Items(i);
+    std::string head = std::string(ClassKindText(c.ClassKind)) + " " + c.Name;
+    for (int a = 0; a < c.Ancestors.Count(); ++a)
+      head += (a == 0 ? "(" : ", ") + c.Ancestors[a].AncestorName;
+    if (c.Ancestors.Count() > 0) head += ")";
+    if (!c.Guid.empty()) head += " {" + c.Guid + "}";
+    line(head);
+    for (int j = 0; j < c.Fields.Count(); ++j) {
+      const TFieldDescription& f = *c.Fields.Items(j);
+      std::string s = std::string(f.IsProperty ? "property " : "field ") +
+                      std::string(VisibilityText(f.Visibility, TLanguage::Pascal)) + " " + f.Name;
+      if (f.IsProperty && !f.Property->IndexParams.empty())
+        s += "[" + f.Property->IndexParams + "]";
+      s += ": " + f.FieldType;
+      if (f.IsProperty) {
+        const TPropertyDescription& p = *f.Property;
+        for (const auto& [word, value] : {std::pair{"index", &p.IndexSpec},
+                                          {"read", &p.ReadSpec},
+                                          {"write", &p.WriteSpec},
+                                          {"stored", &p.StoredSpec},
+                                          {"default", &p.DefaultSpec}})
+          if (!value->empty()) s += std::string(" ") + word + " " + *value;
+      }
+      line(s);
+    }
+    for (int j = 0; j < c.Methods.Count(); ++j) {
+      const TMethodDescription& m = *c.Methods.Items(j);
+      line("method " + std::string(VisibilityText(m.Visibility, TLanguage::Pascal)) + " " +
+           MethodLine(m));
+    }
+  }
+  for (int i = 0; i < list.Routines.Count(); ++i)
+    line("routine " + MethodLine(*list.Routines.Items(i)));
+  if (includes && includes->Count() > 0) {
+    std::string s = "includes";
+    for (int i = 0; i < includes->Count(); ++i) s += " " + includes->Strings(i);
+    line(s);
+  }
+  return out;
 }
 
 struct TParseResult {
-  std::string model;  // DescribeModel without positions, then "includes: ..." if any
+  std::string summary;
   bool inImplementation;
 };
 
@@ -38,32 +92,19 @@ TParseResult ParseUnit(TClasslist& list, const std::string& text, bool parseImpl
   parser.ParseImplementation = parseImplementation;
   parser.WantPositions = wantPositions;
   parser.Parse();
-  TParseResult r{ModelText(list), parser.InImplementation};
-  if (parser.IncludeNames.Count() > 0) {
-    r.model += "includes:";
-    for (int i = 0; i < parser.IncludeNames.Count(); ++i)
-      r.model += " " + parser.IncludeNames.Strings(i);
-    r.model += "\n";
-  }
-  return r;
+  return {Summary(list, &parser.IncludeNames), parser.InImplementation};
 }
 
-std::string Describe(const std::string& text, bool parseImplementation = true) {
+std::string Describe(const std::string& text) {
   TClasslist list;
-  return ParseUnit(list, text, parseImplementation).model;
+  return ParseUnit(list, text).summary;
 }
 
-// The member lines of class `TC` declared with `body`, one indentation step removed.
+// The member lines of class `TC` declared with `body`.
 std::string Members(const std::string& body) {
-  const std::string model = Describe("type TC = class\n" + body + "\nend;");
-  std::string out;
-  size_t line = model.find('\n');  // the class line itself
-  while (line != std::string::npos && line + 1 < model.size()) {
-    const size_t next = model.find('\n', line + 1);
-    out += model.substr(line + 3, next - line - 2);
-    line = next;
-  }
-  return out;
+  const std::string s = Describe("type TC = class\n" + body + "\nend;");
+  const size_t first = s.find('\n');
+  return first == std::string::npos ? "" : s.substr(first + 1);
 }
 
 // ---- Bracket operations ----
@@ -77,35 +118,21 @@ struct TCursorCase {
 };
 
 TEST(PascalBracketTest, CollectBracket) {
+  // clang-format off
   const TCursorCase cases[] = {
       {.text = "(a, b)x", .kind = ptOpenParen, .result = 1, .collected = "a, b", .stopText = ")"},
-      {.text = "( a  (b)\r\n c )",
-       .kind = ptOpenParen,
-       .result = 1,
-       .collected = "a (b) c",
-       .stopText = ")"},
-      {.text = "(a{c}b(*d*)e//f\r\ng)",
-       .kind = ptOpenParen,
-       .result = 1,
-       .collected = "a b e g",
-       .stopText = ")"},
+      {.text = "( a  (b)\r\n c )", .kind = ptOpenParen, .result = 1, .collected = "a (b) c", .stopText = ")"},
+      {.text = "(a{c}b(*d*)e//f\r\ng)", .kind = ptOpenParen, .result = 1, .collected = "a b e g", .stopText = ")"},
       {.text = "(a [)", .kind = ptOpenParen, .result = 1, .collected = "a [", .stopText = ")"},
       {.text = "[1..2]", .kind = ptOpenBracket, .result = 1, .collected = "1..2", .stopText = "]"},
       {.text = "(.1.)", .kind = ptOpenBracket, .result = 1, .collected = "1", .stopText = ".)"},
-      {.text = "record a: record b: c; end; end; x",
-       .kind = ptRecord,
-       .result = 1,
-       .collected = "a: record b: c; end;",
-       .stopText = "end"},
-      {.text = "RECORD case x of 1: (a: b); END",
-       .kind = ptRecord,
-       .result = 1,
-       .collected = "case x of 1: (a: b);",
-       .stopText = "END"},
+      {.text = "record a: record b: c; end; end; x", .kind = ptRecord, .result = 1, .collected = "a: record b: c; end;", .stopText = "end"},
+      {.text = "RECORD case x of 1: (a: b); END", .kind = ptRecord, .result = 1, .collected = "case x of 1: (a: b);", .stopText = "END"},
       {.text = "(a (b)", .kind = ptOpenParen, .result = 0, .collected = "a (b)", .stopText = ""},
       {.text = "(a]", .kind = ptOpenParen, .result = 0, .collected = "a]", .stopText = ""},
       {.text = "a)", .kind = ptIdentifier, .result = 0, .collected = "", .stopText = "a"},
   };
+  // clang-format on
   for (const TCursorCase& c : cases) {
     TPascalTokenizer t;
     t.SetText(c.text.c_str(), static_cast<int32_t>(c.text.size()));
@@ -118,6 +145,7 @@ TEST(PascalBracketTest, CollectBracket) {
 
 TEST(PascalBracketTest, SkipToAndReadTo) {
   const TTokenKindSet semicolon = {ptSemicolon};
+  // clang-format off
   const TCursorCase skips[] = {
       {.text = "a ( ; ) [ ; ] record ; end ; x", .result = ptSemicolon, .stopText = ";"},
       {.text = "; x", .result = ptSemicolon, .stopText = ";"},
@@ -127,6 +155,7 @@ TEST(PascalBracketTest, SkipToAndReadTo) {
       {.text = "a record b; c", .result = ptUnknownChar, .stopText = ""},
       {.text = "", .result = ptUnknownChar, .stopText = ""},
   };
+  // clang-format on
   for (const TCursorCase& c : skips) {
     TPascalTokenizer t;
     t.SetText(c.text.c_str(), static_cast<int32_t>(c.text.size()));
@@ -137,45 +166,19 @@ TEST(PascalBracketTest, SkipToAndReadTo) {
     }
   }
 
+  // clang-format off
   const TCursorCase reads[] = {
-      {.text = ": array[0..1] of Integer; x",
-       .kind = ptSemicolon,
-       .result = ptSemicolon,
-       .collected = "array[0..1] of Integer",
-       .stopText = ";"},
-      {.text = ": procedure(A: Integer; B: Byte) of object;",
-       .kind = ptSemicolon,
-       .result = ptSemicolon,
-       .collected = "procedure(A: Integer; B: Byte) of object",
-       .stopText = ";"},
-      {.text = ":\r\n  record a: x; end ;",
-       .kind = ptSemicolon,
-       .result = ptSemicolon,
-       .collected = "record a: x; end",
-       .stopText = ";"},
-      {.text = ": Integer{c}deprecated;",
-       .kind = ptSemicolon,
-       .result = ptSemicolon,
-       .collected = "Integer deprecated",
-       .stopText = ";"},
+      {.text = ": array[0..1] of Integer; x", .kind = ptSemicolon, .result = ptSemicolon, .collected = "array[0..1] of Integer", .stopText = ";"},
+      {.text = ": procedure(A: Integer; B: Byte) of object;", .kind = ptSemicolon, .result = ptSemicolon, .collected = "procedure(A: Integer; B: Byte) of object", .stopText = ";"},
+      {.text = ":\r\n  record a: x; end ;", .kind = ptSemicolon, .result = ptSemicolon, .collected = "record a: x; end", .stopText = ";"},
+      {.text = ": Integer{c}deprecated;", .kind = ptSemicolon, .result = ptSemicolon, .collected = "Integer deprecated", .stopText = ";"},
       // A stray closer does not make the depth negative.
-      {.text = "x ) ;",
-       .kind = ptSemicolon,
-       .result = ptSemicolon,
-       .collected = ")",
-       .stopText = ";"},
-      {.text = ": Integer",
-       .kind = ptSemicolon,
-       .result = 0,
-       .collected = "Integer",
-       .stopText = ""},
+      {.text = "x ) ;", .kind = ptSemicolon, .result = ptSemicolon, .collected = ")", .stopText = ";"},
+      {.text = ": Integer", .kind = ptSemicolon, .result = 0, .collected = "Integer", .stopText = ""},
       {.text = ": (a; b", .kind = ptSemicolon, .result = 0, .collected = "(a; b", .stopText = ""},
-      {.text = ": Integer end;",
-       .kind = ptEnd,
-       .result = ptEnd,
-       .collected = "Integer",
-       .stopText = "end"},
+      {.text = ": Integer end;", .kind = ptEnd, .result = ptEnd, .collected = "Integer", .stopText = "end"},
   };
+  // clang-format on
   for (const TCursorCase& c : reads) {
     TPascalTokenizer t;
     t.SetText(c.text.c_str(), static_cast<int32_t>(c.text.size()));
@@ -207,32 +210,23 @@ TEST(PascalParserTest, TypeDeclarationHeads) {
       {.text = "type TFoo = class; TFooClass = class of TFoo; IBar = interface;", .expected = ""},
       {.text = "type R = record a: Integer; end; E = (x, y); A = TFoo; P = procedure of object;",
        .expected = ""},
-      {.text = "type TBar = class(TFoo);",
-       .expected = "class \"TBar\" Pascal unit=\"u.pas\"\n  ancestor public \"TFoo\"\n"},
-      {.text = "type TBar = packed class end;",
-       .expected = "class \"TBar\" Pascal unit=\"u.pas\"\n"},
-      {.text = "type TBar = class(TFoo, IA, Sys.IB) end;",
-       .expected = "class \"TBar\" Pascal unit=\"u.pas\"\n  ancestor public \"TFoo\"\n"
-                   "  ancestor public \"IA\"\n  ancestor public \"IB\"\n"},
+      {.text = "type TBar = class(TFoo);", .expected = "class TBar(TFoo)"},
+      {.text = "type TBar = packed class end;", .expected = "class TBar"},
+      // Every name of the list, qualified ones by their last part.
+      {.text = "type TBar = class(TFoo, IA, Sys.IB) end;", .expected = "class TBar(TFoo, IA, IB)"},
       {.text = "type IFoo = interface(IUnknown) ['{00000000-0000-0000-0000-000000000000}'] "
                "procedure A; end;",
-       .expected = "interface \"IFoo\" Pascal unit=\"u.pas\" "
-                   "guid=\"00000000-0000-0000-0000-000000000000\"\n"
-                   "  ancestor public \"IUnknown\"\n"
-                   "  method published procedure \"A\" result=\"\" directives=0x0000\n"},
-      {.text = "type D = dispinterface ['{X}'] end;",
-       .expected = "dispatch interface \"D\" Pascal unit=\"u.pas\" guid=\"X\"\n"},
+       .expected = "interface IFoo(IUnknown) {00000000-0000-0000-0000-000000000000}\n"
+                   "method published procedure A() 0x0000"},
+      {.text = "type D = dispinterface ['{X}'] end;", .expected = "dispatch interface D {X}"},
       // Only a quoted, braced GUID with something inside counts.
-      {.text = "type I = interface [SID_I] ['{}'] end;",
-       .expected = "interface \"I\" Pascal unit=\"u.pas\"\n"},
-      // Records in the interface section are passed whole: their methods are no routines.
+      {.text = "type I = interface [SID_I] ['{}'] end;", .expected = "interface I"},
+      // Records are passed whole: their methods are no routines.
       {.text = "type R = packed record procedure M; end; procedure P;",
-       .expected = "routine file=\"u.pas\"\n"
-                   "  method public procedure \"P\" result=\"\" directives=0x0000\n"},
+       .expected = "routine procedure P() 0x0000"},
       // An ancestor list missing its `)` ends at the first member.
       {.text = "type T = class(TFoo procedure M; end;",
-       .expected = "class \"T\" Pascal unit=\"u.pas\"\n  ancestor public \"TFoo\"\n"
-                   "  method published procedure \"M\" result=\"\" directives=0x0000\n"},
+       .expected = "class T(TFoo)\nmethod published procedure M() 0x0000"},
   };
   for (const TModelCase& c : cases) EXPECT_EQ(Describe(c.text), c.expected) << c.text;
 }
@@ -242,60 +236,44 @@ TEST(PascalParserTest, TypeDeclarationHeads) {
 TEST(PascalParserTest, MethodsAndDirectives) {
   const TModelCase cases[] = {
       {.text = "procedure Paint; override;",
-       .expected = "method published procedure \"Paint\" result=\"\" directives=0x0004\n"},
+       .expected = "method published procedure Paint() 0x0004"},
       {.text = "procedure WMSize(var Msg: TWMSize); message WM_SIZE;",
-       .expected = "method published procedure \"WMSize\" result=\"\" directives=0x0010 "
-                   "message=\"WM_SIZE\"\n"
-                   "  param name=\"Msg\" modifier=\"var\" type=\"TWMSize\" default=\"\"\n"},
+       .expected = "method published procedure WMSize(var Msg: TWMSize) 0x0010 message WM_SIZE"},
       {.text = "procedure M; message WM_USER + 1;",
-       .expected = "method published procedure \"M\" result=\"\" directives=0x0010 "
-                   "message=\"WM_USER + 1\"\n"},
+       .expected = "method published procedure M() 0x0010 message WM_USER + 1"},
       {.text = "procedure A; virtual; dynamic; override; abstract; stdcall; register; "
                "pascal; cdecl; safecall; overload;",
-       .expected = "method published procedure \"A\" result=\"\" directives=0x87af\n"},
+       .expected = "method published procedure A() 0x87af"},
       {.text = "class function Make(A, B: Integer): TFoo; virtual;",
-       .expected = "method published function \"Make\" result=\"TFoo\" directives=0x0041\n"
-                   "  param name=\"A\" modifier=\"\" type=\"Integer\" default=\"\"\n"
-                   "  param name=\"B\" modifier=\"\" type=\"Integer\" default=\"\"\n"},
+       .expected = "method published function Make(A: Integer; B: Integer): TFoo 0x0041"},
       {.text = "constructor Create(AOwner: TComponent); destructor Destroy; override;",
-       .expected = "method published constructor \"Create\" result=\"\" directives=0x0000\n"
-                   "  param name=\"AOwner\" modifier=\"\" type=\"TComponent\" default=\"\"\n"
-                   "method published destructor \"Destroy\" result=\"\" directives=0x0004\n"},
+       .expected = "method published constructor Create(AOwner: TComponent) 0x0000\n"
+                   "method published destructor Destroy() 0x0004"},
       {.text = "function F: string; function G: Classes.TList;",
-       .expected = "method published function \"F\" result=\"string\" directives=0x0000\n"
-                   "method published function \"G\" result=\"Classes.TList\" "
-                   "directives=0x0000\n"},
+       .expected = "method published function F(): string 0x0000\n"
+                   "method published function G(): Classes.TList 0x0000"},
       // Overloads stand side by side, each with its own directives.
       {.text = "procedure P(A: Integer); overload; procedure P(S: string); overload; virtual;",
-       .expected = "method published procedure \"P\" result=\"\" directives=0x8000\n"
-                   "  param name=\"A\" modifier=\"\" type=\"Integer\" default=\"\"\n"
-                   "method published procedure \"P\" result=\"\" directives=0x8001\n"
-                   "  param name=\"S\" modifier=\"\" type=\"string\" default=\"\"\n"},
+       .expected = "method published procedure P(A: Integer) 0x8000\n"
+                   "method published procedure P(S: string) 0x8001"},
       // Words without a bit keep the method for the directives after them; other tokens
       // between cut it off.
       {.text = "procedure A; reintroduce; overload; procedure B; dispid 3; stdcall;",
-       .expected = "method published procedure \"A\" result=\"\" directives=0x8000\n"
-                   "method published procedure \"B\" result=\"\" directives=0x0020\n"},
+       .expected = "method published procedure A() 0x8000\n"
+                   "method published procedure B() 0x0020"},
       {.text = "procedure A; {$IFDEF X} overload; {$ENDIF} F: Integer; virtual;",
-       .expected = "field published \"F\" type=\"Integer\" modifier=\"\"\n"
-                   "method published procedure \"A\" result=\"\" directives=0x8000\n"},
+       .expected = "field published F: Integer\nmethod published procedure A() 0x8000"},
       {.text = "virtual; property P: Integer; abstract;",
-       .expected = "property published \"P\" type=\"Integer\" modifier=\"\" index_params=\"\" "
-                   "index=\"\" read=\"\" write=\"\" stored=\"\" default=\"\"\n"},
+       .expected = "property published P: Integer"},
       // A method resolution clause declares nothing.
       {.text = "procedure IFoo.Bar = Baz; function IFoo.Q = R; virtual;", .expected = ""},
       // A directive word followed by `:` or `,` names a field.
       {.text = "procedure A; Message: TMessage; Register, Pascal: Byte;",
-       .expected = "field published \"Message\" type=\"TMessage\" modifier=\"\"\n"
-                   "field published \"Register\" type=\"Byte\" modifier=\"\"\n"
-                   "field published \"Pascal\" type=\"Byte\" modifier=\"\"\n"
-                   "method published procedure \"A\" result=\"\" directives=0x0000\n"},
+       .expected = "field published Message: TMessage\nfield published Register: Byte\n"
+                   "field published Pascal: Byte\nmethod published procedure A() 0x0000"},
       // `class var` and `class property` go on from the word after `class`.
       {.text = "class var Count: Integer; class property Total: Integer read Count;",
-       .expected = "field published \"Count\" type=\"Integer\" modifier=\"\"\n"
-                   "property published \"Total\" type=\"Integer\" modifier=\"\" "
-                   "index_params=\"\" index=\"\" read=\"Count\" write=\"\" stored=\"\" "
-                   "default=\"\"\n"},
+       .expected = "field published Count: Integer\nproperty published Total: Integer read Count"},
   };
   for (const TModelCase& c : cases) EXPECT_EQ(Members(c.text), c.expected) << c.text;
 }
@@ -305,52 +283,34 @@ TEST(PascalParserTest, VisibilityFieldsAndProperties) {
       // Published until the first visibility word; no colons; automated counts as public.
       {.text = "Button1: TButton; private FA: Integer; protected FB: Byte; public FC: Char; "
                "automated FD: Word; published FE: Real;",
-       .expected = "field published \"Button1\" type=\"TButton\" modifier=\"\"\n"
-                   "field private \"FA\" type=\"Integer\" modifier=\"\"\n"
-                   "field protected \"FB\" type=\"Byte\" modifier=\"\"\n"
-                   "field public \"FC\" type=\"Char\" modifier=\"\"\n"
-                   "field public \"FD\" type=\"Word\" modifier=\"\"\n"
-                   "field published \"FE\" type=\"Real\" modifier=\"\"\n"},
+       .expected = "field published Button1: TButton\nfield private FA: Integer\n"
+                   "field protected FB: Byte\nfield public FC: Char\nfield public FD: Word\n"
+                   "field published FE: Real"},
       {.text = "A, B, C: array[0..1] of Integer;",
-       .expected = "field published \"A\" type=\"array[0..1] of Integer\" modifier=\"\"\n"
-                   "field published \"B\" type=\"array[0..1] of Integer\" modifier=\"\"\n"
-                   "field published \"C\" type=\"array[0..1] of Integer\" modifier=\"\"\n"},
+       .expected = "field published A: array[0..1] of Integer\n"
+                   "field published B: array[0..1] of Integer\n"
+                   "field published C: array[0..1] of Integer"},
       {.text = "R: record X, Y: Integer; end; S: packed record end; T: Byte;",
-       .expected = "field published \"R\" type=\"record\" modifier=\"\"\n"
-                   "field published \"S\" type=\"record\" modifier=\"\"\n"
-                   "field published \"T\" type=\"Byte\" modifier=\"\"\n"},
+       .expected = "field published R: record\nfield published S: record\nfield published T: Byte"},
       {.text = "FOnX: procedure(Sender: TObject; X: Integer) of object;",
-       .expected = "field published \"FOnX\" type=\"procedure(Sender: TObject; X: Integer) of "
-                   "object\" modifier=\"\"\n"},
+       .expected = "field published FOnX: procedure(Sender: TObject; X: Integer) of object"},
       // A field missing its `;` ends at the next member; `strict` alone records nothing.
       {.text = "FA: Integer\nproperty P: Integer; strict private FB: Byte;",
-       .expected = "field published \"FA\" type=\"Integer\" modifier=\"\"\n"
-                   "property published \"P\" type=\"Integer\" modifier=\"\" index_params=\"\" "
-                   "index=\"\" read=\"\" write=\"\" stored=\"\" default=\"\"\n"
-                   "field private \"FB\" type=\"Byte\" modifier=\"\"\n"},
+       .expected = "field published FA: Integer\nproperty published P: Integer\n"
+                   "field private FB: Byte"},
       // The property ends at its first `;`; the trailing `default;` records nothing.
       {.text = "property Items[Index: Integer]: string read GetItem write SetItem; default;",
-       .expected = "property published \"Items\" type=\"string\" modifier=\"\" "
-                   "index_params=\"Index: Integer\" index=\"\" read=\"GetItem\" "
-                   "write=\"SetItem\" stored=\"\" default=\"\"\n"},
-      {.text = "property Left: Integer index 0 read GetC write SetC stored IsStored "
-               "default -1;",
-       .expected = "property published \"Left\" type=\"Integer\" modifier=\"\" index_params=\"\" "
-                   "index=\"0\" read=\"GetC\" write=\"SetC\" stored=\"IsStored\" "
-                   "default=\"-\"\n"},
+       .expected = "property published Items[Index: Integer]: string read GetItem write SetItem"},
+      {.text = "property Left: Integer index 0 read GetC write SetC stored IsStored default -1;",
+       .expected = "property published Left: Integer index 0 read GetC write SetC stored IsStored "
+                   "default -"},
       {.text = "property Tag: Longint read FTag write FTag nodefault; "
                "property Intf: IFoo read FIntf implements IFoo; property Caption;",
-       .expected = "property published \"Tag\" type=\"Longint\" modifier=\"\" index_params=\"\" "
-                   "index=\"\" read=\"FTag\" write=\"FTag\" stored=\"\" default=\"nodefault\"\n"
-                   "property published \"Intf\" type=\"IFoo\" modifier=\"\" index_params=\"\" "
-                   "index=\"\" read=\"FIntf\" write=\"\" stored=\"\" default=\"\"\n"
-                   "property published \"Caption\" type=\"\" modifier=\"\" index_params=\"\" "
-                   "index=\"\" read=\"\" write=\"\" stored=\"\" default=\"\"\n"},
+       .expected = "property published Tag: Longint read FTag write FTag default nodefault\n"
+                   "property published Intf: IFoo read FIntf\nproperty published Caption: "},
       // A property missing its `;` ends at the next member.
       {.text = "property A: Integer read FA\nprocedure M;",
-       .expected = "property published \"A\" type=\"Integer\" modifier=\"\" index_params=\"\" "
-                   "index=\"\" read=\"FA\" write=\"\" stored=\"\" default=\"\"\n"
-                   "method published procedure \"M\" result=\"\" directives=0x0000\n"},
+       .expected = "property published A: Integer read FA\nmethod published procedure M() 0x0000"},
   };
   for (const TModelCase& c : cases) EXPECT_EQ(Members(c.text), c.expected) << c.text;
 }
@@ -358,8 +318,6 @@ TEST(PascalParserTest, VisibilityFieldsAndProperties) {
 // ---- Unit level ----
 
 TEST(PascalParserTest, RoutinesIncludesAndImplementation) {
-  const std::string kProc = "  method public procedure \"P\" result=\"\" directives=0x0000\n";
-  const std::string kRoutineP = "routine file=\"u.pas\"\n" + kProc;
   const struct {
     std::string text;
     bool parseImplementation;
@@ -368,33 +326,30 @@ TEST(PascalParserTest, RoutinesIncludesAndImplementation) {
   } cases[] = {
       {.text = "function F(const S: string): Boolean; stdcall; procedure P;",
        .parseImplementation = true,
-       .expected = "routine file=\"u.pas\"\n"
-                   "  method public function \"F\" result=\"Boolean\" directives=0x0000\n"
-                   "    param name=\"S\" modifier=\"const\" type=\"string\" default=\"\"\n" +
-                   kRoutineP,
+       .expected = "routine function F(const S: string): Boolean 0x0000\n"
+                   "routine procedure P() 0x0000",
        .inImplementation = false},
       {.text = "{$I defs.inc} {$INCLUDE 'defs.inc'} {$i Other.INC} {$I+} {$IFDEF X} {$I }",
        .parseImplementation = true,
-       .expected = "includes: defs.inc Other.INC\n",
+       .expected = "includes defs.inc Other.INC",
        .inImplementation = false},
       // After `implementation` no routine is recorded; classes are, unless the parse stops.
       {.text = "procedure P; implementation procedure Q; type T = class end;",
        .parseImplementation = true,
-       .expected = "class \"T\" Pascal unit=\"u.pas\"\n" + kRoutineP,
+       .expected = "class T\nroutine procedure P() 0x0000",
        .inImplementation = true},
       {.text = "procedure P; implementation type T = class end; {$I x.inc}",
        .parseImplementation = false,
-       .expected = kRoutineP,
+       .expected = "routine procedure P() 0x0000",
        .inImplementation = true},
       {.text = "procedure P; IMPLEMENTATION type T = class end;",
        .parseImplementation = false,
-       .expected = kRoutineP,
+       .expected = "routine procedure P() 0x0000",
        .inImplementation = true},
       // A class missing its `end` still lets `implementation` stop the parse.
       {.text = "type T = class procedure M; implementation type U = class end;",
        .parseImplementation = false,
-       .expected = "class \"T\" Pascal unit=\"u.pas\"\n"
-                   "  method published procedure \"M\" result=\"\" directives=0x0000\n",
+       .expected = "class T\nmethod published procedure M() 0x0000",
        .inImplementation = true},
       // Method headings and procedural types are no routines.
       {.text = "procedure TFoo.Bar; type P = procedure(X: Integer); F = function: Byte;",
@@ -405,7 +360,7 @@ TEST(PascalParserTest, RoutinesIncludesAndImplementation) {
   for (const auto& c : cases) {
     TClasslist list;
     const TParseResult r = ParseUnit(list, c.text, c.parseImplementation);
-    EXPECT_EQ(r.model, c.expected) << c.text;
+    EXPECT_EQ(r.summary, c.expected) << c.text;
     EXPECT_EQ(r.inImplementation, c.inImplementation) << c.text;
   }
 }
@@ -461,10 +416,8 @@ TEST(PascalParserTest, PositionsAndPositionTable) {
 TEST(PascalParserTest, ReparseRefreshesInPlace) {
   // The caller's mark and sweep around a second parse of the unit: the same objects are
   // refilled, and what the old declaration said and the new one does not is gone (the
-  // GUID, the message name, a property's specifiers, a field's property mark).
-  const std::string second =
-      "type TC = interface(TB) procedure M; property F: Byte; P: string; end;";
-  // Fields keep their places in the list: views keep their items.
+  // GUID, the message name, a property's specifiers, a field's property mark). Fields
+  // keep their places in the list: views keep their items.
   TClasslist list;
   ParseUnit(list,
             "type TC = class(TA) ['{G}'] procedure M; message X; "
@@ -473,17 +426,13 @@ TEST(PascalParserTest, ReparseRefreshesInPlace) {
   ASSERT_NE(c, nullptr);
   TMethodDescription* m = c->Methods.Find("M");
   list.Mark("u.pas", false);
-  ParseUnit(list, second);
+  ParseUnit(list, "type TC = interface(TB) procedure M; property F: Byte; P: string; end;");
   list.Sweep(false, "u.pas");
   EXPECT_EQ(list.Find("TC"), c);
   EXPECT_EQ(c->Methods.Find("M"), m);
-  EXPECT_EQ(ModelText(list),
-            "interface \"TC\" Pascal unit=\"u.pas\"\n"
-            "  ancestor public \"TB\"\n"
-            "  field published \"P\" type=\"string\" modifier=\"\"\n"
-            "  property published \"F\" type=\"Byte\" modifier=\"\" index_params=\"\" index=\"\" "
-            "read=\"\" write=\"\" stored=\"\" default=\"\"\n"
-            "  method published procedure \"M\" result=\"\" directives=0x0000\n");
+  EXPECT_EQ(Summary(list),
+            "interface TC(TB)\nfield published P: string\nproperty published F: Byte\n"
+            "method published procedure M() 0x0000");
 }
 
 // ---- Hostile input ----
@@ -497,29 +446,17 @@ void ExpectPositionsInside(const TCodeObject& o, int32_t size, const std::string
 }
 
 TEST(PascalParserTest, HostileInputEnds) {
+  // clang-format off
   std::vector<std::string> texts = {
-      "type T = class property",
-      "type T = class procedure",
-      "type T = class class",
-      "type T = class F:",
-      "type T = class message",
-      "type T = class procedure M; message",
-      "type T = class property P[",
-      "type T = class property P: Integer read",
-      "type T = class(",
-      "type T =",
-      "type T = class F: record",
-      "type T = class { unclosed",
-      "type T = class (* unclosed",
-      "type T = class F: 'unclosed",
-      "type T = class ['{",
-      "procedure",
-      "function F(",
-      "{$I ",
-      "implementation",
-      "class",
+      "type T = class property", "type T = class procedure", "type T = class class",
+      "type T = class F:", "type T = class message", "type T = class procedure M; message",
+      "type T = class property P[", "type T = class property P: Integer read",
+      "type T = class(", "type T =", "type T = class F: record", "type T = class { unclosed",
+      "type T = class (* unclosed", "type T = class F: 'unclosed", "type T = class ['{",
+      "procedure", "function F(", "{$I ", "implementation", "class",
       std::string("type T = class F\0: Integer; end;", 32),
   };
+  // clang-format on
   std::string deep = "type T = class F: ";
   for (int i = 0; i < 10000; ++i) deep += "record ";
   texts.push_back(deep);
@@ -556,13 +493,10 @@ TEST(PascalParserTest, HostileInputEnds) {
     }
   }
   // An unclosed record runs to the end of the text; the field before it is still kept.
-  EXPECT_EQ(Describe(deep),
-            "class \"T\" Pascal unit=\"u.pas\"\n"
-            "  field published \"F\" type=\"record\" modifier=\"\"\n");
+  EXPECT_EQ(Describe(deep), "class T\nfield published F: record");
   // Ten thousand classes whose ancestor lists never close: the first list ends at `=`, and
   // the first class's body, never closed, takes the rest without recording anything.
-  EXPECT_EQ(Describe("type " + classes),
-            "class \"T0\" Pascal unit=\"u.pas\"\n  ancestor public \"T1\"\n");
+  EXPECT_EQ(Describe("type " + classes), "class T0(T1)");
 }
 
 }  // namespace
