@@ -466,11 +466,24 @@ TEST(PascalParserTest, HostileInputEnds) {
   std::string classes;
   for (int i = 0; i < 10000; ++i) classes += "T" + std::to_string(i) + " = class(";
   texts.push_back("type " + classes);
+  // Random bytes (NUL and above 127 included), and random soups of the words and brackets
+  // the parser reacts to, which reach far more of its paths than bytes do.
   std::mt19937 random(12345);
   for (int n = 0; n < 200; ++n) {
     std::string bytes(1 + random() % 400, '\0');
     for (char& ch : bytes) ch = static_cast<char>(random() % 256);
     texts.push_back("type T = class " + bytes);
+  }
+  const char* const words[] = {
+      "type",    "T",       "=",       "class",     "interface",      "packed",   "of",
+      "(",       ")",       "[",       "]",         "record",         "end",      ";",
+      ":",       ",",       ".",       "procedure", "function",       "property", "read",
+      "default", "message", "virtual", "private",   "implementation", "{$I x}",   "'{a}'",
+      "{",       "(*",      "\r\n"};
+  for (int n = 0; n < 500; ++n) {
+    std::string soup;
+    for (int w = 0; w < 200; ++w) soup += std::string(words[random() % std::size(words)]) + " ";
+    texts.push_back(soup);
   }
   for (const std::string& text : texts) {
     for (bool wantPositions : {false, true}) {
