@@ -51,7 +51,9 @@ TVisibility VisibilityOf(int kind) {
     case ptPublished:
       return TVisibility::Published;
     default:
-      return TVisibility::Public;  // `public`, and `automated` on purpose
+      // `public`, and `automated`: its members are public ones that also carry automation
+      // information, and the browser shows them with the public ones.
+      return TVisibility::Public;
   }
 }
 
