@@ -134,7 +134,7 @@ bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, b
   const int closeKind = CloseKindOf(openKind);
   if (closeKind < 0) return false;
   int depth = 1;
-  bool blank = false;
+  bool inBlanks = false;  // the last thing collected was the blank of a run
   for (;;) {
     const int32_t from = tokenizer.Index();
     const int kind = tokenizer.NextSkipComments();
@@ -147,11 +147,14 @@ bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, b
     if (!collect) continue;
     // A comment stands for a blank, as it does to the compiler (a line comment even holds
     // the line end), so that `unsigned// x` CR LF `int` does not read as one word.
-    if (kind == ctWhitespace || kind == ctLineEnd || tokenizer.Index() > from + 1) blank = true;
-    if (kind == ctWhitespace || kind == ctLineEnd) continue;
-    if (blank) text += ' ';
-    blank = false;
+    const bool blank = kind == ctWhitespace || kind == ctLineEnd;
+    if ((blank || tokenizer.Index() > from + 1) && !inBlanks) {
+      text += ' ';
+      inBlanks = true;
+    }
+    if (blank) continue;
     text += tokenizer.TokenView(tokenizer.Index());
+    inBlanks = false;
   }
 }
 
@@ -271,12 +274,11 @@ bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text) {
   if (text) text->clear();
   int depth = 1;
   int parens = 0;
-  bool blank = false;
+  bool inBlanks = false;
   auto append = [&](std::string_view token) {
     if (!text) return;
-    if (blank) *text += ' ';
-    blank = false;
     *text += token;
+    inBlanks = false;
   };
   for (;;) {
     const TCursorState before = SaveCursor(tokenizer);
@@ -286,10 +288,12 @@ bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text) {
       RestoreCursor(tokenizer, before);
       return false;
     }
-    if (kind == ctWhitespace || kind == ctLineEnd || tokenizer.Index() > before.Index + 1)
-      blank = true;
-    if (kind == ctWhitespace || kind == ctLineEnd) continue;
-    const std::string_view token = tokenizer.TokenView(tokenizer.Index());
+    const bool blank = kind == ctWhitespace || kind == ctLineEnd;
+    if (text && (blank || tokenizer.Index() > before.Index + 1) && !inBlanks) {
+      *text += ' ';
+      inBlanks = true;
+    }
+    if (blank) continue;
     if (kind == ctOpenParen) {
       ++parens;
     } else if (kind == ctCloseParen) {
@@ -307,7 +311,7 @@ bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text) {
         if (depth <= 0) return true;
       }
     }
-    append(token);
+    append(tokenizer.TokenView(tokenizer.Index()));
   }
 }
 

@@ -84,7 +84,7 @@ TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDe
   TCPPTokenizer& t = *tokenizer_;
   TCursorState before = SaveCursor(t);
   int kind = t.NextSignificant();
-  const int32_t startLine = t.GetLine();
+  const int32_t startLine = LineHere(t);
   const int32_t startOffset = t.Offset();
 
   // The name is the last identifier before the stop, so export macros in front of it
@@ -142,13 +142,13 @@ TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDe
   }
   cls->UnitName = FileName;
   cls->SetStart(startLine, startOffset);
-  cls->SetEnd(t.GetLine(), t.Offset());
+  cls->SetEnd(LineHere(t), t.Offset());
 
   if (kind == ctOpenBrace) {
     if (Nesting >= kMaxClassNesting) {
       // Deeper than any real source: the members are not read, and the recursion ends.
       SkipBracket(ctOpenBrace);
-      if (t.Kind() == ctCloseBrace) cls->SetEnd(t.GetLine(), t.Offset());
+      if (t.Kind() == ctCloseBrace) cls->SetEnd(LineHere(t), t.Offset());
     } else {
       t.NextSignificant();
       TCPPClassParser body(t, FileName, Target, cls, Nesting + 1, WantPositions);
@@ -181,16 +181,16 @@ void TCPPClassParser::HandleToken() {
   }
   if (IsKnownMacro()) {
     const std::string name(t.TokenView(t.Index()));
-    const int32_t line = t.GetLine();
+    const int32_t line = LineHere(t);
     const int32_t offset = t.Offset();
     SkipMacro();
-    if (positions_) positions_->OfferMacro(name, line, offset, t.GetLine(), t.Offset());
+    if (positions_) positions_->OfferMacro(name, line, offset, LineHere(t), t.Offset());
     return;
   }
   switch (kind) {
     case ctCloseBrace:
       Stopped = true;
-      Owner->SetEnd(t.GetLine(), t.Offset());
+      Owner->SetEnd(LineHere(t), t.Offset());
       return;
     case ctTemplate:
       ReadTemplateHead();
@@ -239,7 +239,7 @@ void TCPPClassParser::HandleToken() {
 
 void TCPPClassParser::ReadSection(TVisibility visibility) {
   TCPPTokenizer& t = *tokenizer_;
-  const int32_t line = t.GetLine();
+  const int32_t line = LineHere(t);
   const int32_t offset = t.Offset();
   const TCursorState keyword = SaveCursor(t);
   if (t.NextSignificant() != ctColon) {
@@ -249,7 +249,7 @@ void TCPPClassParser::ReadSection(TVisibility visibility) {
   }
   Visibility = visibility;
   if (positions_)
-    positions_->At(visibility, TPositionInfo::Section) = {line, offset, t.GetLine(), t.Offset()};
+    positions_->At(visibility, TPositionInfo::Section) = {line, offset, LineHere(t), t.Offset()};
 }
 
 }  // namespace velmora

@@ -68,7 +68,7 @@ namespace cpp_parser {
 
 void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d) {
   const bool inClass = scope == TDeclarationScope::Class;
-  d.StartLine = t.GetLine();
+  d.StartLine = LineHere(t);
   d.StartOffset = t.Offset();
   bool blank = false;      // blanks since the last token taken
   bool nameBlank = false;  // blanks before the candidate name
@@ -197,7 +197,7 @@ void TCPPFileParser::ParseGlobalDeclaration() {
   routine->FileName = FileName;
   routine->Directives = d.Directives;
   routine->SetStart(d.StartLine, d.StartOffset);
-  routine->SetEnd(t.GetLine(), t.Offset());
+  routine->SetEnd(LineHere(t), t.Offset());
 }
 
 }  // namespace velmora

@@ -75,10 +75,10 @@ void TCPPClassParser::ParseMemberDeclaration() {
     if (!method) return;
     method->Directives = directives;
     method->SetStart(d.StartLine, d.StartOffset);
-    method->SetEnd(t.GetLine(), t.Offset());
+    method->SetEnd(LineHere(t), t.Offset());
     if (positions_)
       positions_->At(Visibility, TPositionInfo::LastMethod) = {d.StartLine, d.StartOffset,
-                                                               t.GetLine(), t.Offset()};
+                                                               LineHere(t), t.Offset()};
     return;
   }
 
@@ -97,10 +97,10 @@ void TCPPClassParser::ParseMemberDeclaration() {
   for (TFieldDescription* field : fields) {
     if (field->IsProperty) field->SetIsProperty(false);
     field->SetStart(d.StartLine, d.StartOffset);
-    field->SetEnd(t.GetLine(), t.Offset());
+    field->SetEnd(LineHere(t), t.Offset());
   }
   if (positions_ && !fields.empty())
-    positions_->At(Visibility, TPositionInfo::LastField) = {d.StartLine, d.StartOffset, t.GetLine(),
+    positions_->At(Visibility, TPositionInfo::LastField) = {d.StartLine, d.StartOffset, LineHere(t),
                                                             t.Offset()};
 }
 

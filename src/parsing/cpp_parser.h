@@ -46,9 +46,10 @@ void RestoreCursor(TTokenizer& tokenizer, const TCursorState& state);
 
 /// From the open bracket at the cursor (`{`, `<`, `(` or `[`) to its matching close,
 /// counting only that bracket pair; `>>`, `()`, `[]` and `{}` neither open nor close.
-/// With `collect`, `text` receives the tokens between the brackets, comments dropped and
-/// every run of blanks and line ends as one blank. True with the cursor on the close;
-/// false at the end of text (and, with an empty text, for any other kind at the cursor).
+/// With `collect`, `text` receives the tokens between the brackets with every run of
+/// blanks, line ends and comments as one blank (also next to the brackets). True with the
+/// cursor on the close; false at the end of text, and with an empty text for any other
+/// open kind.
 bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, bool collect);
 
 /// Moves on (significant tokens only) until the kind at the cursor is in `stops` and

@@ -12,6 +12,15 @@
 
 namespace velmora::cpp_parser {
 
+/// The line of the token at the cursor, for the positions the parsers record. Counted from
+/// the text rather than taken from the tracked line: a string or character literal may run
+/// over line ends (the tokenizer has no escapes, so `'\''` leaves a quote open), and the
+/// tracked line does not count those. The parsers ask in text order, which the tokenizer's
+/// count resumes from, so this stays one pass over the text.
+inline int32_t LineHere(const TTokenizer& t) {
+  return t.LineOfOffset(t.Offset());
+}
+
 /// `#define` .. `#undef`, the lone `#` included: every directive the parsers pass over.
 inline bool IsDirectiveKind(int kind) {
   return kind >= ctHashDefine && kind <= ctHashUndef;

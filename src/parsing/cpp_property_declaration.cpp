@@ -48,7 +48,7 @@ bool ReadAttributes(TCPPTokenizer& t, TPropertyDescription& attributes) {
 
 void TCPPClassParser::ParsePropertyDeclaration() {
   TCPPTokenizer& t = *tokenizer_;
-  const int32_t startLine = t.GetLine();
+  const int32_t startLine = LineHere(t);
   const int32_t startOffset = t.Offset();
   std::string name, type, group;
   bool blank = false;      // blanks since the last token taken
@@ -119,9 +119,9 @@ void TCPPClassParser::ParsePropertyDeclaration() {
   specifiers.DefaultSpec = attributes.DefaultSpec;
   property->Modifier.clear();
   property->SetStart(startLine, startOffset);
-  property->SetEnd(t.GetLine(), t.Offset());
+  property->SetEnd(LineHere(t), t.Offset());
   if (positions_)
-    positions_->At(Visibility, TPositionInfo::LastProperty) = {startLine, startOffset, t.GetLine(),
+    positions_->At(Visibility, TPositionInfo::LastProperty) = {startLine, startOffset, LineHere(t),
                                                                t.Offset()};
 }
 
