@@ -10,5 +10,7 @@ namespace velmora::app {
 
 /// `velmora tokens FILE...`
 void AddTokensCommand(CLI::App& app);
+/// `velmora dump [--json | --stats] [--follow-includes] [--include-path DIR]... FILE...`
+void AddDumpCommand(CLI::App& app);
 
 }  // namespace velmora::app

@@ -9,6 +9,7 @@ int main(int argc, char** argv) {
   CLI::App app{"Velmora: class browser and code assistant for C++Builder and Delphi sources"};
   app.require_subcommand(1);
   velmora::app::AddTokensCommand(app);
+  velmora::app::AddDumpCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
