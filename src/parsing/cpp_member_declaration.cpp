@@ -55,7 +55,7 @@ void TCPPClassParser::ParseMemberDeclaration() {
           directives |= DirectiveBit(TDirective::Abstract);
           SkipTo({ctSemicolon});
           break;
-        case ctOpenParen:  // an exception specification's list, or a macro's
+        case ctOpenParen:  // the arguments of a macro after the parameter list
           SkipBracket(ctOpenParen);
           break;
         case ctSemicolon:

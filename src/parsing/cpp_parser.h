@@ -19,7 +19,6 @@
 #include <string_view>
 #include <vector>
 
-#include "model/code_object.h"
 #include "parsing/cpp_tokenizer.h"
 #include "support/stringlist.h"
 
@@ -29,6 +28,7 @@ class TClassDescription;
 class TClasslist;
 class TMemoryStream;
 class TPositionInfo;
+enum class TVisibility : uint8_t;
 
 // ---- Operations over a C++ token cursor, shared with the C++ code finder ----
 

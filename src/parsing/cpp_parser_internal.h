@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "model/code_object.h"
 #include "parsing/cpp_parser.h"
 
 namespace velmora::cpp_parser {
