@@ -7,6 +7,81 @@
 
 namespace velmora {
 
+// ---- block storage ----
+
+TStringList::Place TStringList::Locate(int index) const {
+  // The last block whose first entry is at or before `index`.
+  const auto it = std::upper_bound(starts_.begin(), starts_.end(), index);
+  const int block = static_cast<int>(it - starts_.begin()) - 1;
+  return {block, index - starts_[block]};
+}
+
+TStringList::Entry& TStringList::At(int index) {
+  const Place p = Locate(index);
+  return blocks_[p.block][p.offset];
+}
+
+const TStringList::Entry& TStringList::At(int index) const {
+  const Place p = Locate(index);
+  return blocks_[p.block][p.offset];
+}
+
+void TStringList::RecountFrom(int block) {
+  starts_.resize(blocks_.size());
+  int start = block == 0 ? 0 : starts_[block - 1] + static_cast<int>(blocks_[block - 1].size());
+  for (size_t b = block; b < blocks_.size(); ++b) {
+    starts_[b] = start;
+    start += static_cast<int>(blocks_[b].size());
+  }
+}
+
+void TStringList::InsertAt(int index, std::string_view s, void* object) {
+  if (blocks_.empty()) {
+    blocks_.emplace_back();
+    starts_.push_back(0);
+  }
+  // An index at the end goes into the last block; anything else into the block holding it.
+  Place p = index >= count_ ? Place{static_cast<int>(blocks_.size()) - 1, 0} : Locate(index);
+  if (index >= count_) p.offset = static_cast<int>(blocks_[p.block].size());
+  auto& block = blocks_[p.block];
+  block.insert(block.begin() + p.offset, Entry{std::string(s), object});
+  ++count_;
+  if (static_cast<int>(block.size()) > kMaxBlock) {
+    std::vector<Entry> upper(std::make_move_iterator(block.begin() + kMaxBlock / 2),
+                             std::make_move_iterator(block.end()));
+    block.resize(kMaxBlock / 2);
+    blocks_.insert(blocks_.begin() + p.block + 1, std::move(upper));
+  }
+  RecountFrom(p.block);
+}
+
+std::vector<TStringList::Entry> TStringList::Flatten() {
+  std::vector<Entry> all;
+  all.reserve(count_);
+  for (auto& block : blocks_)
+    for (auto& e : block) all.push_back(std::move(e));
+  return all;
+}
+
+void TStringList::Rebuild(std::vector<Entry> entries) {
+  blocks_.clear();
+  count_ = static_cast<int>(entries.size());
+  for (size_t i = 0; i < entries.size(); i += kMaxBlock / 2) {
+    const size_t end = std::min(entries.size(), i + kMaxBlock / 2);
+    blocks_.emplace_back(std::make_move_iterator(entries.begin() + i),
+                         std::make_move_iterator(entries.begin() + end));
+  }
+  RecountFrom(0);
+}
+
+void TStringList::Clear() {
+  blocks_.clear();
+  starts_.clear();
+  count_ = 0;
+}
+
+// ---- the list ----
+
 int TStringList::Compare(std::string_view a, std::string_view b) const {
   return CompareNames(a, b, caseSensitive_);
 }
@@ -18,16 +93,19 @@ bool TStringList::Find(std::string_view s, int& index) const {
     index = Count();
     return false;
   }
-  int lo = 0, hi = Count();
-  while (lo < hi) {
-    const int mid = lo + (hi - lo) / 2;
-    if (Compare(items_[mid].text, s) < 0)
-      lo = mid + 1;
-    else
-      hi = mid;
+  // The first block whose last entry is not below `s` holds the lower bound, if any does.
+  const auto block = std::partition_point(blocks_.begin(), blocks_.end(), [&](const auto& b) {
+    return Compare(b.back().text, s) < 0;
+  });
+  if (block == blocks_.end()) {
+    index = count_;
+    return false;
   }
-  index = lo;
-  return lo < Count() && Compare(items_[lo].text, s) == 0;
+  const auto entry = std::partition_point(block->begin(), block->end(), [&](const Entry& e) {
+    return Compare(e.text, s) < 0;
+  });
+  index = starts_[block - blocks_.begin()] + static_cast<int>(entry - block->begin());
+  return entry != block->end() && Compare(entry->text, s) == 0;
 }
 
 int TStringList::IndexOf(std::string_view s) const {
@@ -35,14 +113,22 @@ int TStringList::IndexOf(std::string_view s) const {
     int i;
     return Find(s, i) ? i : -1;
   }
-  for (int i = 0; i < Count(); ++i)
-    if (Compare(items_[i].text, s) == 0) return i;
+  int index = 0;
+  for (const auto& block : blocks_)
+    for (const Entry& e : block) {
+      if (Compare(e.text, s) == 0) return index;
+      ++index;
+    }
   return -1;
 }
 
 int TStringList::IndexOfObject(const void* object) const {
-  for (int i = 0; i < Count(); ++i)
-    if (items_[i].object == object) return i;
+  int index = 0;
+  for (const auto& block : blocks_)
+    for (const Entry& e : block) {
+      if (e.object == object) return index;
+      ++index;
+    }
   return -1;
 }
 
@@ -57,7 +143,7 @@ int TStringList::Add(std::string_view s, void* object) {
           throw EStringListError("The list does not allow duplicates: \"" + std::string(s) + "\"");
         case TDuplicates::Accept:
           // After the equal run, so that entries of one name keep the order they came in.
-          while (index < Count() && Compare(items_[index].text, s) == 0) ++index;
+          while (index < Count() && Compare(Strings(index), s) == 0) ++index;
           break;
       }
     }
@@ -69,7 +155,7 @@ int TStringList::Add(std::string_view s, void* object) {
       return existing;
     }
   }
-  items_.insert(items_.begin() + index, Entry{std::string(s), object});
+  InsertAt(index, s, object);
   return index;
 }
 
@@ -78,20 +164,32 @@ void TStringList::Insert(int index, std::string_view s, void* object) {
     Add(s, object);
     return;
   }
-  index = std::clamp(index, 0, Count());
-  items_.insert(items_.begin() + index, Entry{std::string(s), object});
+  InsertAt(std::clamp(index, 0, Count()), s, object);
 }
 
 void TStringList::Delete(int index) {
-  if (index >= 0 && index < Count()) items_.erase(items_.begin() + index);
+  if (index < 0 || index >= Count()) return;
+  const Place p = Locate(index);
+  auto& block = blocks_[p.block];
+  block.erase(block.begin() + p.offset);
+  --count_;
+  if (block.empty()) {
+    blocks_.erase(blocks_.begin() + p.block);
+    starts_.erase(starts_.begin() + p.block);
+    if (p.block < static_cast<int>(blocks_.size())) RecountFrom(p.block);
+  } else {
+    RecountFrom(p.block);
+  }
 }
 
-void TStringList::Exchange(int a, int b) { std::swap(items_[a], items_[b]); }
+void TStringList::Exchange(int a, int b) { std::swap(At(a), At(b)); }
 
 void TStringList::Sort() {
-  std::stable_sort(items_.begin(), items_.end(), [this](const Entry& x, const Entry& y) {
+  std::vector<Entry> all = Flatten();
+  std::stable_sort(all.begin(), all.end(), [this](const Entry& x, const Entry& y) {
     return Compare(x.text, y.text) < 0;
   });
+  Rebuild(std::move(all));
 }
 
 void TStringList::SetSorted(bool sorted) {

@@ -22,11 +22,11 @@ class TStringList {
   TStringList(bool sorted, TDuplicates duplicates, bool caseSensitive)
       : sorted_(sorted), caseSensitive_(caseSensitive), duplicates_(duplicates) {}
 
-  int Count() const { return static_cast<int>(items_.size()); }
-  bool Empty() const { return items_.empty(); }
-  const std::string& Strings(int i) const { return items_[i].text; }
-  void* Objects(int i) const { return items_[i].object; }
-  void SetObject(int i, void* object) { items_[i].object = object; }
+  int Count() const { return count_; }
+  bool Empty() const { return count_ == 0; }
+  const std::string& Strings(int i) const { return At(i).text; }
+  void* Objects(int i) const { return At(i).object; }
+  void SetObject(int i, void* object) { At(i).object = object; }
 
   /// Adds a string; in a sorted list at its place, else at the end. Returns the index of
   /// the entry (the existing one when a duplicate is ignored).
@@ -34,7 +34,7 @@ class TStringList {
   /// Inserts at `index`; only meaningful for an unsorted list (a sorted list adds instead).
   void Insert(int index, std::string_view s, void* object = nullptr);
   void Delete(int index);
-  void Clear() { items_.clear(); }
+  void Clear();
   void Exchange(int a, int b);
 
   /// Binary search of a sorted list: true when found, `index` the first equal entry, or
@@ -62,7 +62,24 @@ class TStringList {
     std::string text;
     void* object;
   };
-  std::vector<Entry> items_;
+  // Entries live in blocks of at most kMaxBlock, so that inserting into a list of tens of
+  // thousands of names (the routines of a large library) moves a few hundred entries
+  // rather than half the list. `starts_[b]` is the list index of block b's first entry.
+  static constexpr int kMaxBlock = 256;
+  struct Place {
+    int block, offset;
+  };
+  Place Locate(int index) const;
+  Entry& At(int index);
+  const Entry& At(int index) const;
+  void InsertAt(int index, std::string_view s, void* object);
+  void RecountFrom(int block);
+  std::vector<Entry> Flatten();
+  void Rebuild(std::vector<Entry> entries);
+
+  std::vector<std::vector<Entry>> blocks_;
+  std::vector<int> starts_;
+  int count_ = 0;
   bool sorted_ = false;
   bool caseSensitive_ = false;
   TDuplicates duplicates_ = TDuplicates::Ignore;
