@@ -23,24 +23,10 @@
 #include "commands.h"
 #include "parsing/cpp_tokenizer.h"
 #include "parsing/pascal_tokenizer.h"
+#include "parsing/source_parser.h"
 
 namespace velmora::app {
 namespace {
-
-/// C++ for the usual C and C++ source and header extensions (in any case), Object Pascal
-/// for everything else.
-bool IsCppFile(std::string_view path) {
-  const size_t slash = path.find_last_of('/');
-  const std::string_view base = slash == std::string_view::npos ? path : path.substr(slash + 1);
-  const size_t dot = base.find_last_of('.');
-  if (dot == std::string_view::npos) return false;
-  std::string ext(base.substr(dot + 1));
-  for (char& c : ext)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-  for (const char* known : {"c", "cpp", "cxx", "cc", "h", "hpp", "hxx"})
-    if (ext == known) return true;
-  return false;
-}
 
 /// Reads the whole file into `text`; on failure returns the system's reason.
 bool ReadFile(const std::string& path, std::string& text, std::string& reason) {
@@ -123,7 +109,7 @@ void AppendEscaped(std::string& out, std::string_view text) {
 }
 
 void PrintTokens(TOutput& output, const std::string& path, const std::string& text) {
-  const bool cpp = IsCppFile(path);
+  const bool cpp = LanguageOfFile(path) == TLanguage::Cpp;
   std::unique_ptr<TTokenizer> tokenizer;
   if (cpp)
     tokenizer = std::make_unique<TCPPTokenizer>();

@@ -13,11 +13,6 @@ namespace {
 // would be counted twice. A pointer to the protected members, formed in a class derived
 // from the tokenizer, reaches them without widening the tokenizer's interface for this
 // one use.
-struct TCursorAccess : TTokenizer {
-  static constexpr int32_t TTokenizer::*kLastVisited = &TCursorAccess::lastVisited_;
-  static constexpr bool TTokenizer::*kForward = &TCursorAccess::forward_;
-};
-
 // Sorted by ordinal comparison for the binary search.
 constexpr auto kKnownMacros = [] {
   std::array<std::string_view, 72> names = {
@@ -116,18 +111,6 @@ int CloseKindOf(int openKind) {
 }
 
 }  // namespace
-
-TCursorState SaveCursor(const TTokenizer& tokenizer) {
-  return {tokenizer.Index(), tokenizer.*TCursorAccess::kLastVisited, tokenizer.GetLine(),
-          tokenizer.*TCursorAccess::kForward};
-}
-
-void RestoreCursor(TTokenizer& tokenizer, const TCursorState& state) {
-  tokenizer.SetIndex(state.Index);
-  tokenizer.*TCursorAccess::kLastVisited = state.LastVisited;
-  tokenizer.SetLine(state.Line);
-  tokenizer.*TCursorAccess::kForward = state.Forward;
-}
 
 bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, bool collect) {
   text.clear();

@@ -32,17 +32,11 @@ enum class TVisibility : uint8_t;
 
 // ---- Operations over a C++ token cursor, shared with the C++ code finder ----
 
-/// The whole cursor of a tokenizer: the index, the last visited index, the tracked line
-/// and the direction. A look-ahead that turns out not to apply puts all four back, so the
-/// tokens it read are counted for the line again when they are passed for real.
-struct TCursorState {
-  int32_t Index;
-  int32_t LastVisited;
-  int32_t Line;
-  bool Forward;
-};
-TCursorState SaveCursor(const TTokenizer& tokenizer);
-void RestoreCursor(TTokenizer& tokenizer, const TCursorState& state);
+using TCursorState = TTokenizer::TCursorState;
+inline TCursorState SaveCursor(const TTokenizer& tokenizer) { return tokenizer.SaveCursor(); }
+inline void RestoreCursor(TTokenizer& tokenizer, const TCursorState& state) {
+  tokenizer.RestoreCursor(state);
+}
 
 /// From the open bracket at the cursor (`{`, `<`, `(` or `[`) to its matching close,
 /// counting only that bracket pair; `>>`, `()`, `[]` and `{}` neither open nor close.

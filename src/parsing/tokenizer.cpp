@@ -92,7 +92,7 @@ void TTokenizer::Next() {
   if (index_ < LastIndex()) ++index_;
 }
 
-int TTokenizer::NextSkipComments() {
+int TTokenizer::NextWhileIn(const TTokenKindSet& skipped) {
   forward_ = true;
   int kind;
   do {
@@ -100,21 +100,13 @@ int TTokenizer::NextSkipComments() {
     if (kind == tkEndOfText) break;
     ++index_;
     kind = KindAt(index_);
-  } while (commentKinds_.Contains(kind));
+  } while (skipped.Contains(kind));
   return kind;
 }
 
-int TTokenizer::NextSignificant() {
-  forward_ = true;
-  int kind;
-  do {
-    kind = KindAt(index_);
-    if (kind == tkEndOfText) break;
-    ++index_;
-    kind = KindAt(index_);
-  } while (blankKinds_.Contains(kind));
-  return kind;
-}
+int TTokenizer::NextSkipComments() { return NextWhileIn(commentKinds_); }
+
+int TTokenizer::NextSignificant() { return NextWhileIn(blankKinds_); }
 
 int TTokenizer::PrevSignificant() {
   forward_ = false;

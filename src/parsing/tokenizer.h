@@ -87,6 +87,23 @@ class TTokenizer {
   int32_t GetLine() const { return line_; }
   void SetLine(int32_t n) { line_ = n; }
 
+  /// The whole cursor: the index, the last visited index, the tracked line and the
+  /// direction. A look-ahead that turns out not to apply puts all four back, so the tokens
+  /// it read are counted for the line again when they are passed for real.
+  struct TCursorState {
+    int32_t Index;
+    int32_t LastVisited;
+    int32_t Line;
+    bool Forward;
+  };
+  TCursorState SaveCursor() const { return {index_, lastVisited_, line_, forward_}; }
+  void RestoreCursor(const TCursorState& state) {
+    index_ = state.Index;
+    lastVisited_ = state.LastVisited;
+    line_ = state.Line;
+    forward_ = state.Forward;
+  }
+
   /// One token on, unless the cursor stands on the end-of-text entry. Reads nothing.
   void Next();
   /// At least one token on (unless on end of text), then on over comments. Returns the
@@ -154,6 +171,10 @@ class TTokenizer {
   int32_t lastVisited_ = -1;    // the index KindAt read last; reading it again counts nothing
   bool forward_ = true;         // direction of the last cursor move
   int32_t line_ = 1;            // the tracked line
+  // Moves on at least one token (unless on the end entry), then over every token whose
+  // kind is in `skipped`; returns the kind reached.
+  int NextWhileIn(const TTokenKindSet& skipped);
+
   TTokenKindSet commentKinds_;  // filled by each language's constructor
   TTokenKindSet blankKinds_;    // whitespace, line ends and comments
 
