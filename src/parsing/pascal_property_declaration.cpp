@@ -47,29 +47,29 @@ void ParsePropertyDeclaration(TPascalClassParser& p) {
   TFieldDescription* f = p.Owner->Fields.FindOrAdd(name, type, p.Visibility);
   f->SetIsProperty(true);
   // Specifiers the declaration no longer has must not survive a re-parse.
-  TPropertyDescription& spec = *f->Property;
-  spec = TPropertyDescription{};
-  spec.IndexParams = std::string(Trim(indexParams));
+  TPropertyDescription& specifiers = *f->Property;
+  specifiers = TPropertyDescription{};
+  specifiers.IndexParams = std::string(Trim(indexParams));
   for (; kind != ptSemicolon && kind != tkEndOfText; kind = t.NextSignificant()) {
     if (kPropertyBoundary.Contains(kind)) break;  // missing `;`: left for the loop
     switch (kind) {
       case ptRead:
-        spec.ReadSpec = TakeValue(t);
+        specifiers.ReadSpec = TakeValue(t);
         break;
       case ptWrite:
-        spec.WriteSpec = TakeValue(t);
+        specifiers.WriteSpec = TakeValue(t);
         break;
       case ptStored:
-        spec.StoredSpec = TakeValue(t);
+        specifiers.StoredSpec = TakeValue(t);
         break;
       case ptDefault:
-        spec.DefaultSpec = TakeValue(t);
+        specifiers.DefaultSpec = TakeValue(t);
         break;
       case ptIndex:
-        spec.IndexSpec = TakeValue(t);
+        specifiers.IndexSpec = TakeValue(t);
         break;
       case ptNodefault:
-        spec.DefaultSpec = "nodefault";
+        specifiers.DefaultSpec = "nodefault";
         break;
       case ptImplements:
         TakeValue(t);
