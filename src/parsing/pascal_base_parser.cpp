@@ -207,6 +207,32 @@ void LeaveUnlessSemicolon(TPascalBaseParser& p) {
   if (kind != ptSemicolon && kind != tkEndOfText) p.Unread();
 }
 
+bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
+                        TRoutineHeading& heading) {
+  TTokenizer& t = p.Cursor();
+  if (!IsNameKind(PeekSignificant(t))) return false;
+  t.NextSignificant();
+  heading.Name = t.Text();
+  int kind = t.NextSignificant();
+  if (kind == ptDot) {
+    p.SkipTo(kSemicolon);
+    return false;
+  }
+  if (kind == ptOpenParen) {
+    p.CollectBracket(ptOpenParen, &heading.ParamText);
+    kind = t.NextSignificant();
+  }
+  if (kind == ptColon) {
+    const int next = PeekSignificant(t);
+    if (next != ptSemicolon && next != tkEndOfText && !resultStops.Contains(next)) {
+      t.NextSignificant();
+      heading.ResultType = ReadTypeName(t);
+    }
+    t.NextSignificant();
+  }
+  return true;
+}
+
 }  // namespace pascal_parser
 
 }  // namespace velmora

@@ -170,33 +170,13 @@ void ParseMethodDeclaration(TPascalClassParser& p) {
     kind = t.NextSignificant();
   }
   const TMethodKind methodKind = MethodKindOf(kind);
-  if (!IsNameKind(PeekSignificant(t))) return;
-  t.NextSignificant();
-  const std::string name = t.Text();
-  kind = t.NextSignificant();
-  if (kind == ptDot) {
-    // `procedure IFoo.Bar = Baz;` maps an interface method; it declares nothing.
-    p.SkipTo(kSemicolon);
-    return;
-  }
-  std::string paramText;
-  if (kind == ptOpenParen) {
-    p.CollectBracket(ptOpenParen, &paramText);
-    kind = t.NextSignificant();
-  }
-  std::string resultType;
-  if (kind == ptColon) {
-    const int next = PeekSignificant(t);
-    if (next != ptSemicolon && next != tkEndOfText && !kPropertyBoundary.Contains(next)) {
-      t.NextSignificant();
-      resultType = ReadTypeName(t);
-    }
-    t.NextSignificant();
-  }
+  // `procedure IFoo.Bar = Baz;` maps an interface method and declares nothing.
+  TRoutineHeading heading;
+  if (!ReadRoutineHeading(p, kPropertyBoundary, heading)) return;
   TParameterList params(TLanguage::Pascal);
-  params.Parse(paramText);
-  TMethodDescription* m =
-      p.Owner->Methods.FindOrAdd(name, std::move(params), resultType, p.Visibility, methodKind);
+  params.Parse(heading.ParamText);
+  TMethodDescription* m = p.Owner->Methods.FindOrAdd(heading.Name, std::move(params),
+                                                     heading.ResultType, p.Visibility, methodKind);
   if (m) {
     m->Directives = directives;
     m->MessageName.clear();

@@ -100,34 +100,15 @@ void ParseRoutineDeclaration(TPascalFileParser& p) {
   TTokenizer& t = p.Cursor();
   const TSpot start = Here(t);
   const bool isFunction = t.Kind() == ptFunction;
-  // `procedure(...)` or `function:` belongs to a procedural type, not a routine.
-  if (!IsNameKind(PeekSignificant(t))) return;
-  t.NextSignificant();
-  const std::string name = t.Text();
-  int kind = t.NextSignificant();
-  if (kind == ptDot) {
-    // `procedure TFoo.Bar;` is a method's implementation heading.
-    p.SkipTo(kSemicolon);
-    return;
-  }
-  std::string paramText;
-  if (kind == ptOpenParen) {
-    p.CollectBracket(ptOpenParen, &paramText);
-    kind = t.NextSignificant();
-  }
-  std::string resultType;
-  if (kind == ptColon) {
-    const int next = PeekSignificant(t);
-    if (next != ptSemicolon && next != tkEndOfText) {
-      t.NextSignificant();
-      resultType = ReadTypeName(t);
-    }
-    t.NextSignificant();
-  }
+  // `procedure(...)` or `function:` belongs to a procedural type, not a routine, and
+  // `procedure TFoo.Bar;` is a method's implementation heading.
+  TRoutineHeading heading;
+  if (!ReadRoutineHeading(p, TTokenKindSet{}, heading)) return;
   TParameterList params(TLanguage::Pascal);
-  params.Parse(paramText);
+  params.Parse(heading.ParamText);
   TProcDescription* r = p.Target->Routines.FindOrAdd(
-      name, p.FileName, TLanguage::Pascal, std::move(params), resultType, TVisibility::Public,
+      heading.Name, p.FileName, TLanguage::Pascal, std::move(params), heading.ResultType,
+      TVisibility::Public,
       isFunction ? TMethodKind::Function : TMethodKind::Procedure);
   if (r) {
     r->FileName = p.FileName;

@@ -67,6 +67,20 @@ std::string ReadTypeName(TTokenizer& t);
 /// token (a missing `;`), that token is left for the loop to read as what it is.
 void LeaveUnlessSemicolon(TPascalBaseParser& p);
 
+/// What a procedure or function heading declares after its kind word.
+struct TRoutineHeading {
+  std::string Name;
+  std::string ParamText;   ///< between the brackets, blanks collapsed
+  std::string ResultType;  ///< empty for a procedure
+};
+/// With the cursor on the kind word: reads the name, the `(...)` group and the result type
+/// after `:`, leaving the cursor on the token after them. Returns false, with the cursor
+/// unmoved, when no name follows (a procedural type), and false after skipping to `;` when
+/// the name is qualified (`A.B`), which declares nothing here. A result type never begins
+/// with one of `resultStops`, so a missing type does not swallow the next member.
+bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
+                        TRoutineHeading& heading);
+
 // Readers, each called with the cursor on the word that starts its construct.
 
 /// At a name at file level: `Name = [packed] class|interface|dispinterface ...`; records
