@@ -8,29 +8,22 @@ void ThrowUnexpectedEnd() {
   throw EClassInfoFileError(kUnexpectedEndOfFile, 0);
 }
 
-uint8_t LoadU8(TStream& stream) {
-  uint8_t v;
-  if (!stream.TryReadU8(v)) ThrowUnexpectedEnd();
+namespace {
+
+// One checked read: the stream's own reader, turned into the class information error.
+template <class T, bool (TStream::*Read)(T&)>
+T Checked(TStream& stream) {
+  T v;
+  if (!(stream.*Read)(v)) ThrowUnexpectedEnd();
   return v;
 }
 
-uint16_t LoadU16(TStream& stream) {
-  uint16_t v;
-  if (!stream.TryReadU16(v)) ThrowUnexpectedEnd();
-  return v;
-}
+}  // namespace
 
-uint32_t LoadU32(TStream& stream) {
-  uint32_t v;
-  if (!stream.TryReadU32(v)) ThrowUnexpectedEnd();
-  return v;
-}
-
-int32_t LoadI32(TStream& stream) {
-  int32_t v;
-  if (!stream.TryReadI32(v)) ThrowUnexpectedEnd();
-  return v;
-}
+uint8_t LoadU8(TStream& stream) { return Checked<uint8_t, &TStream::TryReadU8>(stream); }
+uint16_t LoadU16(TStream& stream) { return Checked<uint16_t, &TStream::TryReadU16>(stream); }
+uint32_t LoadU32(TStream& stream) { return Checked<uint32_t, &TStream::TryReadU32>(stream); }
+int32_t LoadI32(TStream& stream) { return Checked<int32_t, &TStream::TryReadI32>(stream); }
 
 bool LoadBool(TStream& stream) {
   return LoadU8(stream) != 0;
