@@ -102,12 +102,28 @@ std::string ResolveExistingFile(std::string_view path) {
 std::string ResolveIncludeFile(std::string_view name, std::string_view includingDir,
                                const std::vector<std::string>& searchPath) {
   if (name.empty()) return {};
+  const bool hasDriveLetter = name.size() >= 2 && name[1] == ':' &&
+                              ((name[0] >= 'A' && name[0] <= 'Z') || (name[0] >= 'a' && name[0] <= 'z'));
+  if (hasDriveLetter) return ResolveExistingFile(name);
   if (IsPathSeparator(name.front())) {
-    // A name such as `\inc\b.h` is rooted on the including file's drive on Windows; here it
-    // is first tried as it stands, then relative to the places below.
-    if (std::string r = ResolveExistingFile(name); !r.empty()) return r;
+    // Rooted on the including file's drive. A tree written on Windows has been copied into
+    // some folder here, so its drive is the file system root or one of the including
+    // folder's ancestors: try them outermost first (a relative folder starts from the
+    // current one). This also takes an absolute POSIX name as it stands.
+    std::string_view rest = name;
+    while (!rest.empty() && IsPathSeparator(rest.front())) rest.remove_prefix(1);
+    if (std::string r = ResolveExistingFile("/" + std::string(rest)); !r.empty()) return r;
+    const bool relative = includingDir.empty() || !IsPathSeparator(includingDir.front());
+    if (relative)
+      if (std::string r = ResolveExistingFile(rest); !r.empty()) return r;
+    for (size_t i = relative ? 0 : 1; i < includingDir.size(); ++i) {
+      if (!IsPathSeparator(includingDir[i])) continue;
+      if (std::string r = ResolveExistingFile(JoinPath(includingDir.substr(0, i + 1), rest)); !r.empty())
+        return r;
+    }
+  } else if (std::string r = ResolveExistingFile(JoinPath(includingDir, name)); !r.empty()) {
+    return r;
   }
-  if (std::string r = ResolveExistingFile(JoinPath(includingDir, name)); !r.empty()) return r;
   for (const std::string& dir : searchPath)
     if (std::string r = ResolveExistingFile(JoinPath(dir, name)); !r.empty()) return r;
   return {};

@@ -31,7 +31,10 @@ bool DirectoryExists(const std::string& path);
 std::string ResolveExistingFile(std::string_view path);
 
 /// Looks `name` up beside `includingDir` first, then in each folder of `searchPath` in
-/// order; an absolute name is taken as it is. Returns the resolved path, or "".
+/// order. A name with a drive letter is only taken as it is. A name beginning with a
+/// separator (`\inc\b.h`) is rooted on the including file's drive instead of its folder:
+/// tried at the file system root, then under each ancestor of `includingDir` from the
+/// outermost in, then in the search path. Returns the resolved path, or "".
 std::string ResolveIncludeFile(std::string_view name, std::string_view includingDir,
                                const std::vector<std::string>& searchPath);
 

@@ -51,6 +51,10 @@ TEST_F(IncludeResolutionTest, PrefersTheIncludingFolderThenThePathInOrder) {
       {"b.h", "/inc/b.h"},                       // then the include path
       {"..\\inc\\b.h", "/src/../inc/b.h"},       // backslashes separate
       {"common\\sub\\shared.h", "/Common/Sub/Shared.H"},  // case ignored when not found as written
+      {"\\inc\\b.h", "/inc/b.h"},                // rooted: the drive is an ancestor folder
+      {"/src/a.h", "/src/a.h"},                  // ... with either separator
+      {"\\b.h", "/inc/b.h"},                     // not at any root: the include path
+      {"C:\\inc\\b.h", ""},                      // a drive letter is taken only as written
       {"missing.h", ""},
       {"", ""},
   };
