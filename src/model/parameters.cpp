@@ -352,8 +352,9 @@ void TParameterList::LoadFromStream(TStream& stream) {
   Items.clear();
   // Each parameter takes at least 16 bytes, so a damaged count ends at the first short
   // read instead of growing the list.
-  for (uint32_t n = LoadU32(stream); n > 0; --n)
-    Items.emplace_back(Language).LoadFromStream(stream);
+  uint32_t n = LoadU32(stream);
+  Items.reserve(std::min<int64_t>(n, stream.Remaining() / 16));
+  for (; n > 0; --n) Items.emplace_back(Language).LoadFromStream(stream);
 }
 
 void TParameterList::SaveToStream(TStream& stream) const {

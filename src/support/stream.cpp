@@ -25,26 +25,17 @@ std::string SystemReason(const std::string& what, const std::string& path, int e
 
 bool TStream::TryReadExact(void* buffer, size_t count) { return Read(buffer, count) == count; }
 
-bool TStream::TryReadU8(uint8_t& value) { return TryReadExact(&value, 1); }
-
-bool TStream::TryReadU16(uint16_t& value) {
+bool TStream::TryReadU16Slow(uint16_t& value) {
   unsigned char b[2];
   if (!TryReadExact(b, 2)) return false;
   value = static_cast<uint16_t>(b[0] | (b[1] << 8));
   return true;
 }
 
-bool TStream::TryReadU32(uint32_t& value) {
+bool TStream::TryReadU32Slow(uint32_t& value) {
   unsigned char b[4];
   if (!TryReadExact(b, 4)) return false;
-  value = uint32_t{b[0]} | (uint32_t{b[1]} << 8) | (uint32_t{b[2]} << 16) | (uint32_t{b[3]} << 24);
-  return true;
-}
-
-bool TStream::TryReadI32(int32_t& value) {
-  uint32_t u;
-  if (!TryReadU32(u)) return false;
-  value = static_cast<int32_t>(u);
+  value = DecodeU32(b);
   return true;
 }
 
@@ -69,6 +60,10 @@ bool TStream::TryReadFixed(std::string& value, size_t length) {
   if (static_cast<int64_t>(length) > Remaining()) {
     Seek(Size());
     return false;
+  }
+  if (const unsigned char* p = TakeFromBlock(length)) {
+    value.assign(reinterpret_cast<const char*>(p), length);
+    return true;
   }
   std::string s(length, '\0');
   if (!TryReadExact(s.data(), length)) return false;
@@ -130,32 +125,32 @@ void TStream::WriteString(std::string_view value) {
 // ---- TMemoryStream ----
 
 size_t TMemoryStream::Read(void* buffer, size_t count) {
-  const int64_t left = Size() - position_;
+  const int64_t left = Size() - blockPosition_;
   if (left <= 0 || count == 0) return 0;
   const size_t n = std::min<size_t>(count, static_cast<size_t>(left));
-  std::memcpy(buffer, data_.data() + position_, n);
-  position_ += static_cast<int64_t>(n);
+  std::memcpy(buffer, data_.data() + blockPosition_, n);
+  blockPosition_ += static_cast<int64_t>(n);
   return n;
 }
 
 void TMemoryStream::Write(const void* buffer, size_t count) {
   if (count == 0) return;
-  const size_t end = static_cast<size_t>(position_) + count;
+  const size_t end = static_cast<size_t>(blockPosition_) + count;
   if (end > data_.size()) data_.resize(end);
-  std::memcpy(data_.data() + position_, buffer, count);
-  position_ = static_cast<int64_t>(end);
+  std::memcpy(data_.data() + blockPosition_, buffer, count);
+  blockPosition_ = static_cast<int64_t>(end);
 }
 
-void TMemoryStream::Seek(int64_t position) { position_ = std::clamp<int64_t>(position, 0, Size()); }
+void TMemoryStream::Seek(int64_t position) { blockPosition_ = std::clamp<int64_t>(position, 0, Size()); }
 
 void TMemoryStream::Clear() {
   data_.clear();
-  position_ = 0;
+  blockPosition_ = 0;
 }
 
 void TMemoryStream::LoadFromFile(const std::string& path) {
   data_ = ReadWholeFile(path);
-  position_ = 0;
+  blockPosition_ = 0;
 }
 
 void TMemoryStream::SaveToFile(const std::string& path) const { WriteFileAtomically(path, data_); }
