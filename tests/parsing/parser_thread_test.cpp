@@ -1,0 +1,300 @@
+// Parser threads on small trees of files in a temporary folder: include resolution, the
+// order and number of parses, the root's include entry, retries, and two jobs at once.
+// Every suite name holds "Threads" so that `ctest -R Threads` runs them all under the
+// thread sanitizer.
+#include "parsing/parser_thread.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include "model/class_list.h"
+#include "support/stream.h"
+
+namespace velmora {
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::string>;
+
+// Records what a job parsed, in order.
+class TParseLog : public TParseObserver {
+ public:
+  void FileParsed(const std::string& name, const TMemoryStream&, const TStringList&,
+                  double) override {
+    parsed.push_back(name);
+  }
+  Names parsed;
+};
+
+Names ListOf(const TStringList& list) {
+  Names names;
+  for (int i = 0; i < list.Count(); ++i) names.push_back(list.Strings(i));
+  return names;
+}
+
+class ParserThreadsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char pattern[] = "/tmp/velmora-threads-XXXXXX";
+    root_ = ::mkdtemp(pattern);
+  }
+  void TearDown() override { fs::remove_all(root_); }
+
+  void Write(const std::map<std::string, std::string>& files) {
+    for (const auto& [name, text] : files) {
+      const fs::path path = fs::path(root_) / name;
+      fs::create_directories(path.parent_path());
+      std::ofstream(path, std::ios::binary) << text;
+    }
+  }
+  std::string Path(const std::string& name) const { return root_ + "/" + name; }
+  // Full names back to names below the temporary folder, for readable expectations.
+  Names Relative(const Names& names) const {
+    Names out;
+    for (const std::string& n : names)
+      out.push_back(n.rfind(root_ + "/", 0) == 0 ? n.substr(root_.size() + 1) : n);
+    return out;
+  }
+
+  std::string root_;
+};
+
+struct JobCase {
+  const char* what = "";
+  std::map<std::string, std::string> files = {};
+  std::string root = {};
+  Names includePath = {};  // below the temporary folder
+  Names known = {};        // below the temporary folder
+  Names parses = {};       // every parse, in order
+  Names parsedNames = {};  // what the caller's list receives
+  bool entry = false;      // whether the root keeps an include entry (then it holds parsedNames)
+};
+
+TEST_F(ParserThreadsTest, FollowsIncludesAndRewritesTheRootEntry) {
+  const JobCase cases[] = {
+      {.what = "a file beside the includer wins over one in the include path",
+       .files = {{"src/main.cpp", "#include \"a.h\"\n"}, {"src/a.h", ""}, {"inc/a.h", ""}},
+       .root = "src/main.cpp",
+       .includePath = {"inc"},
+       .parses = {"src/main.cpp", "src/a.h"},
+       .parsedNames = {"src/a.h"},
+       .entry = true},
+      {.what = "the include path is tried in the order given",
+       .files = {{"main.cpp", "#include \"a.h\"\n"}, {"z/a.h", ""}, {"b/a.h", ""}},
+       .root = "main.cpp",
+       .includePath = {"z", "b"},
+       .parses = {"main.cpp", "z/a.h"},
+       .parsedNames = {"z/a.h"},
+       .entry = true},
+      {.what = "a name starting with a backslash is rooted on the includer's drive",
+       .files = {{"src/main.cpp", "#include \"\\inc\\b.h\"\n"}, {"inc/b.h", ""}},
+       .root = "src/main.cpp",
+       .parses = {"src/main.cpp", "inc/b.h"},
+       .parsedNames = {"inc/b.h"},
+       .entry = true},
+      {.what = "a name not found as written is found ignoring case",
+       .files = {{"main.cpp", "#include \"SUB\\Shared.h\"\n"}, {"sub/shared.H", ""}},
+       .root = "main.cpp",
+       .parses = {"main.cpp", "sub/shared.H"},
+       .parsedNames = {"sub/shared.H"},
+       .entry = true},
+      {.what = "A includes B includes A: A is parsed again, B once",
+       .files = {{"a.cpp", "#include \"b.h\"\n"}, {"b.h", "#include \"a.cpp\"\n"}},
+       .root = "a.cpp",
+       .parses = {"a.cpp", "b.h", "a.cpp"},
+       .parsedNames = {"b.h"},
+       .entry = true},
+      {.what = "includes are taken alphabetically, each once",
+       .files = {{"r.cpp", "#include \"c.h\"\n#include \"b.h\"\n"},
+                 {"b.h", "#include \"c.h\"\n#include \"d.h\"\n"},
+                 {"c.h", "#include \"b.h\"\n"},
+                 {"d.h", "#include \"c.h\"\n"}},
+       .root = "r.cpp",
+       .parses = {"r.cpp", "b.h", "c.h", "d.h"},
+       .parsedNames = {"b.h", "c.h", "d.h"},
+       .entry = true},
+      {.what = "a root that includes itself is parsed once",
+       .files = {{"self.cpp", "#include \"self.cpp\"\n#include \".\\self.cpp\"\n"}},
+       .root = "self.cpp",
+       .parses = {"self.cpp"},
+       .parsedNames = {},
+       .entry = false},
+      {.what = "other spellings of one header are one file",
+       .files = {{"r.cpp", "#include \"x.h\"\n"},
+                 {"x.h", "#include \"./x.h\"\n#include \"sub/../x.h\"\n#include \"./r.cpp\"\n"},
+                 {"sub/.keep", ""}},
+       .root = "r.cpp",
+       .parses = {"r.cpp", "x.h", "r.cpp"},
+       .parsedNames = {"x.h"},
+       .entry = true},
+      {.what = "includes that do not resolve are dropped and the entry removed",
+       .files = {{"lone.cpp", "#include \"missing.h\"\n#include \"\\nowhere\\x.h\"\n"}},
+       .root = "lone.cpp",
+       .parses = {"lone.cpp"},
+       .parsedNames = {},
+       .entry = false},
+      {.what = "a known file is neither parsed nor followed, but listed",
+       .files = {{"r.cpp", "#include \"k.h\"\n"}, {"k.h", "#include \"n.h\"\n"}, {"n.h", ""}},
+       .root = "r.cpp",
+       .known = {"k.h"},
+       .parses = {"r.cpp"},
+       .parsedNames = {"k.h"},
+       .entry = true},
+      {.what = "a Pascal unit and its include file",
+       .files = {{"u.pas", "unit u;\ninterface\n{$I common.inc}\nimplementation\nend.\n"},
+                 {"Common.inc", "const X = 1;\n"}},
+       .root = "u.pas",
+       .parses = {"u.pas", "Common.inc"},
+       .parsedNames = {"Common.inc"},
+       .entry = true},
+      {.what = "a root that does not exist",
+       .files = {},
+       .root = "gone.cpp",
+       .parses = {},
+       .parsedNames = {},
+       .entry = false},
+  };
+  for (const JobCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    TearDown();
+    SetUp();
+    Write(c.files);
+    TStringList includePath(false, TDuplicates::Accept, true), known(true, TDuplicates::Ignore, true);
+    for (const std::string& dir : c.includePath) includePath.Add(Path(dir));
+    for (const std::string& file : c.known) known.Add(Path(file));
+    TClasslist target;
+    target.Includes.FindOrAdd(Path(c.root))->IncludedNames.Add("stale");
+    TStringList parsedNames(false, TDuplicates::Accept, true);
+    TParseLog log;
+    StartParse(target, nullptr, Path(c.root), &includePath, &known, &parsedNames,
+               {.Observer = &log});
+
+    EXPECT_EQ(Relative(log.parsed), c.parses);
+    EXPECT_EQ(Relative(ListOf(parsedNames)), c.parsedNames);
+    const TIncludeUnit* entry = target.Includes.Find(Path(c.root));
+    ASSERT_EQ(entry != nullptr, c.entry);
+    if (entry) {
+      EXPECT_EQ(Relative(ListOf(entry->IncludedNames)), c.parsedNames);
+    }
+  }
+}
+
+TEST_F(ParserThreadsTest, ClassesLandInTheTargetUnderTheirUnitNames) {
+  Write({{"app/Main.cpp", "#include \"Shapes.h\"\nclass TMain : public TShape {};\n"},
+         {"app/Shapes.h", "class TShape { int Sides; };\n"}});
+  TClasslist target;
+  StartParse(target, nullptr, Path("app/Main.cpp"), nullptr, nullptr, nullptr, {});
+  ASSERT_NE(target.Find("TMain"), nullptr);
+  ASSERT_NE(target.Find("TShape"), nullptr);
+  EXPECT_EQ(target.Find("TMain")->UnitName, "Main.cpp");
+  EXPECT_EQ(target.Find("TShape")->UnitName, "Shapes.h");
+  EXPECT_EQ(target.Find("TShape")->Fields.Count(), 1);
+}
+
+TEST_F(ParserThreadsTest, PascalOptionDecidesWhetherTheImplementationIsRead) {
+  Write({{"u.pas",
+          "unit u;\ninterface\ntype TPublic = class end;\n"
+          "implementation\ntype THidden = class end;\nend.\n"}});
+  for (bool option : {false, true}) {
+    TClasslist target;
+    StartParse(target, nullptr, Path("u.pas"), nullptr, nullptr, nullptr, {.PascalOption = option});
+    EXPECT_NE(target.Find("TPublic"), nullptr) << option;
+    EXPECT_EQ(target.Find("THidden") != nullptr, option) << option;
+  }
+}
+
+// Loading fails for one file name; every attempt is timed.
+class TFlakyLoadThread : public TCPPParserThread {
+ public:
+  using TCPPParserThread::TCPPParserThread;
+  std::string failing;
+  std::vector<std::chrono::steady_clock::time_point>* attempts = nullptr;
+
+ protected:
+  std::unique_ptr<TMemoryStream> LoadFile(const std::string& name) override {
+    if (name != failing) return TCPPParserThread::LoadFile(name);
+    attempts->push_back(std::chrono::steady_clock::now());
+    throw std::runtime_error("being written by someone else");
+  }
+};
+
+TEST_F(ParserThreadsTest, UnreadableFileIsTriedAgainThenPassedOver) {
+  Write({{"r.cpp", "#include \"bad.h\"\n#include \"good.h\"\n"},
+         {"bad.h", "class TBad {};\n"},
+         {"good.h", "class TGood {};\n"}});
+  const struct {
+    int budget, attempts;
+  } cases[] = {{.budget = 0, .attempts = 1}, {.budget = 2, .attempts = 3}};
+  for (const auto& c : cases) {
+    TClasslist target;
+    TStringList parsedNames(false, TDuplicates::Accept, true);
+    std::vector<std::chrono::steady_clock::time_point> attempts;
+    auto* thread = new TFlakyLoadThread(Path("r.cpp"), nullptr, nullptr, &parsedNames,
+                                        {.RetryBudget = c.budget}, nullptr, &target);
+    thread->failing = Path("bad.h");
+    thread->attempts = &attempts;
+    ResumeParserThread(thread);
+
+    ASSERT_EQ(static_cast<int>(attempts.size()), c.attempts) << "budget " << c.budget;
+    for (size_t i = 1; i < attempts.size(); ++i)
+      EXPECT_GE(attempts[i] - attempts[i - 1], std::chrono::milliseconds(95)) << "attempt " << i;
+    EXPECT_EQ(target.Find("TBad"), nullptr);
+    EXPECT_NE(target.Find("TGood"), nullptr) << "the job goes on after giving a file up";
+    EXPECT_EQ(Relative(ListOf(parsedNames)), (Names{"bad.h", "good.h"}));
+  }
+}
+
+// A class list whose marking fails: an error outside the per-file attempts.
+class TBrokenTarget : public TClasslist {
+ public:
+  void Mark(std::optional<std::string_view>, bool) override { throw std::runtime_error("broken"); }
+};
+
+TEST_F(ParserThreadsTest, CallerIsReleasedWhenTheJobItselfFails) {
+  Write({{"r.cpp", "#include \"a.h\"\nclass TRoot {};\n"}, {"a.h", ""}});
+  TBrokenTarget target;
+  StartParse(target, nullptr, Path("r.cpp"), nullptr, nullptr, nullptr, {});  // returns
+  EXPECT_NE(target.Find("TRoot"), nullptr);
+}
+
+TEST_F(ParserThreadsTest, TwoJobsAtOnceEachFillTheirOwnList) {
+  Write({{"one/a.cpp", "#include \"a.h\"\nclass TOne {};\n"},
+         {"one/a.h", "class TOneHeader { int X; };\n"},
+         {"two/b.pas", "unit b;\ninterface\n{$I b.inc}\ntype TTwo = class end;\nimplementation\nend.\n"},
+         {"two/b.inc", "type TTwoInc = class end;\n"}});
+  const struct {
+    std::string root;
+    Names classes;
+  } jobs[] = {{Path("one/a.cpp"), {"TOne", "TOneHeader"}}, {Path("two/b.pas"), {"TTwo", "TTwoInc"}}};
+  constexpr int kRounds = 25;
+  std::vector<std::string> failures[2];
+  std::vector<std::thread> callers;
+  for (int j = 0; j < 2; ++j) {
+    callers.emplace_back([&, j] {
+      for (int round = 0; round < kRounds; ++round) {
+        TClasslist target;
+        TStringList parsedNames(false, TDuplicates::Accept, true);
+        StartParse(target, nullptr, jobs[j].root, nullptr, nullptr, &parsedNames, {});
+        // Read at once: StartParse returned, so this job's thread is done with the list.
+        Names found;
+        for (int i = 0; i < target.Count(); ++i) found.push_back(target.Items(i)->Name);
+        if (found != jobs[j].classes || parsedNames.Count() != 1)
+          failures[j].push_back("round " + std::to_string(round));
+      }
+    });
+  }
+  for (std::thread& t : callers) t.join();
+  EXPECT_EQ(failures[0], Names{});
+  EXPECT_EQ(failures[1], Names{});
+}
+
+}  // namespace
+}  // namespace velmora
