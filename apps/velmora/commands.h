@@ -12,5 +12,7 @@ namespace velmora::app {
 void AddTokensCommand(CLI::App& app);
 /// `velmora dump [--json | --stats] [--follow-includes] [--include-path DIR]... FILE...`
 void AddDumpCommand(CLI::App& app);
+/// `velmora settings [SECTION [KEY [VALUE]]]`
+void AddSettingsCommand(CLI::App& app);
 
 }  // namespace velmora::app

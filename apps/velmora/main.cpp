@@ -10,6 +10,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   velmora::app::AddTokensCommand(app);
   velmora::app::AddDumpCommand(app);
+  velmora::app::AddSettingsCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
