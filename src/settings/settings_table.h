@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <limits>
 #include <span>
+#include <string>
+
+#include "model/code_object.h"
 
 namespace velmora {
 
@@ -33,6 +36,17 @@ struct TSettingDef {
 };
 
 std::span<const TSettingDef> SettingDefs();
+
+/// The subsection that holds the texts of a template row ("CodeGeneration\C++ Code
+/// Templates"), one key per template index.
+inline std::string TemplateSection(const TSettingDef& def) {
+  return std::string(def.Section) + "\\" + def.Key;
+}
+
+/// The language of a template row.
+inline TLanguage TemplateLanguage(const TSettingDef& def) {
+  return def.Type == TSettingType::CppTemplates ? TLanguage::Cpp : TLanguage::Pascal;
+}
 
 /// The typed field of a row.
 template <typename T>

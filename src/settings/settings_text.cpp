@@ -8,46 +8,28 @@
 #include "settings/settings_table.h"
 #include "settings/vl_settings.h"
 #include "support/ansi.h"
+#include "support/text_buffer.h"
 
 namespace velmora {
 namespace {
 
 using T = TSettingType;
 
-std::string TemplateSection(const TSettingDef& def) {
-  return std::string(def.Section) + "\\" + def.Key;
-}
-
-int TemplateCount(const TSettingDef& def) {
-  return def.Type == T::CppTemplates ? kCppTemplateCount : kPascalTemplateCount;
-}
-
-std::string& TemplateText(TVLSettings& s, const TSettingItem& item) {
+// Settings is TVLSettings or const TVLSettings; the result follows.
+template <typename Settings>
+auto& TemplateText(Settings& s, const TSettingItem& item) {
   return item.Def->Type == T::CppTemplates
              ? FieldOf<TCppTemplates>(*item.Def, s)[item.Index].Template
              : FieldOf<TPascalTemplates>(*item.Def, s)[item.Index].Template;
 }
 
-std::vector<std::string>& RecentFiles(TVLSettings& s, const TSettingItem& item) {
+template <typename Settings>
+auto& RecentFiles(Settings& s, const TSettingItem& item) {
   return FieldOf<std::vector<std::string>>(*item.Def, s);
 }
 
 TVisibility VisibilityOf(int index) {
   return static_cast<TVisibility>(index % 10);
-}
-
-// Line breaks as templates keep them: every LF, CR LF or lone CR becomes CR LF.
-std::string WithCrLf(std::string_view text) {
-  std::string out;
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\r' || text[i] == '\n') {
-      if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
-      out += "\r\n";
-    } else {
-      out += text[i];
-    }
-  }
-  return out;
 }
 
 bool ParseBoolText(std::string_view text, bool& value) {
@@ -89,7 +71,7 @@ std::vector<TSettingItem> SettingItems(const TVLSettings& settings) {
     switch (def.Type) {
       case T::CppTemplates:
       case T::PascalTemplates:
-        for (int t = 0; t < TemplateCount(def); ++t)
+        for (int t = 0; t < TemplateCount(TemplateLanguage(def)); ++t)
           items.push_back(
               {TemplateSection(def), std::to_string(t), TSettingItem::Kind::Template, &def, t});
         break;
@@ -124,16 +106,14 @@ std::optional<TSettingItem> FindSettingItem(const TVLSettings& settings, std::st
   return std::nullopt;
 }
 
-std::string SettingText(const TVLSettings& settings, const TSettingItem& item) {
-  auto& s = const_cast<TVLSettings&>(settings);  // read only: the table hands out fields
+std::string SettingText(const TVLSettings& s, const TSettingItem& item) {
   switch (item.ItemKind) {
     case TSettingItem::Kind::Template:
       return TemplateText(s, item);
     case TSettingItem::Kind::RecentFile:
       return RecentFiles(s, item)[item.Index];
     case TSettingItem::Kind::MemberFilter:
-      return settings.MemberFilter().IsShown(item.Index / 10, VisibilityOf(item.Index)) ? "true"
-                                                                                        : "false";
+      return s.MemberFilter().IsShown(item.Index / 10, VisibilityOf(item.Index)) ? "true" : "false";
     case TSettingItem::Kind::Row:
       break;
   }
@@ -176,7 +156,7 @@ bool SetSettingText(TVLSettings& settings, const TSettingItem& item, std::string
   };
   switch (item.ItemKind) {
     case TSettingItem::Kind::Template:
-      TemplateText(settings, item) = WithCrLf(text);
+      TemplateText(settings, item) = ToBufferForm(text);
       return true;
     case TSettingItem::Kind::RecentFile:
       RecentFiles(settings, item)[item.Index] = std::string(text);
@@ -271,12 +251,8 @@ int RunSettingsCommand(const std::string& storeFile, const std::vector<std::stri
     return 1;
   }
   if (args.size() == 2) {
-    std::string text = SettingText(settings, *item);
     // A template's CR LF line breaks are shown as the terminal's own.
-    std::string shown;
-    for (size_t i = 0; i < text.size(); ++i)
-      if (!(text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')) shown += text[i];
-    out << shown << '\n';
+    out << FromBufferForm(SettingText(settings, *item), TLineEndStyle::Lf) << '\n';
     return 0;
   }
 

@@ -139,10 +139,6 @@ const TSettingDef kSettingDefs[] = {
 
 #undef VL_FIELD
 
-std::string TemplateSection(const TSettingDef& def) {
-  return std::string(def.Section) + "\\" + def.Key;
-}
-
 template <size_t N>
 void LoadTemplates(const TSettingsStore& store, const TSettingDef& def,
                    std::array<TCodeTemplate, N>& templates) {
