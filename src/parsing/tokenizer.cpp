@@ -1,8 +1,47 @@
 #include "parsing/tokenizer.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace velmora {
+namespace {
+
+// 0x80 in every byte of `word` that equals `c`, 0 in the others. Exact for every byte (the
+// shorter zero-byte test can flag a byte after a real hit).
+uint64_t BytesEqual(uint64_t word, unsigned char c) {
+  const uint64_t x = word ^ (0x0101010101010101ull * c);
+  return ~(((x & 0x7F7F7F7F7F7F7F7Full) + 0x7F7F7F7F7F7F7F7Full) | x) & 0x8080808080808080ull;
+}
+
+uint64_t Load64(const char* p) {
+  uint64_t w;
+  std::memcpy(&w, p, sizeof w);
+  return w;
+}
+
+// The line ends that start in [from, to): every LF, and every CR not followed by a LF.
+// text[to] must be readable (it is at most the NUL). Eight bytes at a time, since line
+// numbers for every record make this a pass over the whole text.
+int32_t CountLineEnds(const char* text, int32_t from, int32_t to) {
+  int32_t n = 0;
+  int32_t p = from;
+  // The word at p + 1 reaches text[p + 8], so it stays within text[to].
+  for (; p + 8 <= to; p += 8) {
+    const uint64_t here = Load64(text + p);
+    const uint64_t next = Load64(text + p + 1);
+    const uint64_t lf = BytesEqual(here, '\n');
+    const uint64_t loneCr = BytesEqual(here, '\r') & ~BytesEqual(next, '\n');
+    // Each byte of the sum is 0, 1 or 2; the multiply adds all eight into the top byte.
+    const uint64_t perByte = (lf >> 7) + (loneCr >> 7);
+    n += static_cast<int32_t>((perByte * 0x0101010101010101ull) >> 56);
+  }
+  for (; p < to; ++p) {
+    if (text[p] == '\n' || (text[p] == '\r' && text[p + 1] != '\n')) ++n;
+  }
+  return n;
+}
+
+}  // namespace
 
 // ---- TTokenizer ----
 
@@ -38,6 +77,8 @@ void TTokenizer::SetText(const char* text, int32_t size) {
   index_ = 0;
   cachedOffset_ = 0;
   cachedLineEnds_ = 0;
+  lineMovingKinds_ = commentKinds_;
+  lineMovingKinds_.Include(tkLineEnd);
   Tokenize();
   index_ = 0;
 }
@@ -52,7 +93,7 @@ std::string_view TTokenizer::TokenView(int32_t i) const {
   return std::string_view(text_ + start, static_cast<size_t>(offsets_.Get(i + 1) - start));
 }
 
-int TTokenizer::KindAt(int32_t i) {
+int TTokenizer::KindAtMovingLine(int32_t i) {
   const int32_t last = LastIndex();
   if (last < 0) return tkEndOfText;  // no text set yet
   // Negative indexes are out of range too and read the end-of-text entry.
@@ -78,10 +119,7 @@ int32_t TTokenizer::LineOfOffset(int32_t offset) const {
     from = cachedOffset_;
     lineEnds = cachedLineEnds_;
   }
-  const char* const s = text_;
-  for (int32_t p = from; p < offset; ++p) {
-    if (s[p] == '\n' || (s[p] == '\r' && s[p + 1] != '\n')) ++lineEnds;
-  }
+  lineEnds += CountLineEnds(text_, from, offset);
   cachedOffset_ = offset;
   cachedLineEnds_ = lineEnds;
   return lineEnds + 1;

@@ -71,7 +71,17 @@ class TTokenizer {
   /// end or a comment that was not the token read last counts its line ends in the
   /// direction of the last cursor move. An index outside the list reads the end-of-text
   /// entry.
-  int KindAt(int32_t i);
+  int KindAt(int32_t i) {
+    // Most reads land on a token that moves no line: answer those here, without a call.
+    if (static_cast<uint32_t>(i) < static_cast<uint32_t>(kinds_.Count())) [[likely]] {
+      const int kind = kinds_.Get(i);
+      if (i == lastVisited_ || !lineMovingKinds_.Contains(kind)) {
+        lastVisited_ = i;
+        return kind;
+      }
+    }
+    return KindAtMovingLine(i);
+  }
   int Kind() { return KindAt(index_); }
   int32_t Offset() const { return TokenOffset(index_); }
   std::string Text() const { return TokenText(index_); }
@@ -179,6 +189,11 @@ class TTokenizer {
   TTokenKindSet blankKinds_;    // whitespace, line ends and comments
 
  private:
+  // Line ends and comments: reading one of these may move the tracked line. Made from the
+  // comment kinds when the text is set.
+  TTokenKindSet lineMovingKinds_;
+  int KindAtMovingLine(int32_t i);
+
   // LineOfOffset remembers its last answer so that a caller walking the tokens in order
   // counts every line end once instead of from the start each time.
   mutable int32_t cachedOffset_ = 0;

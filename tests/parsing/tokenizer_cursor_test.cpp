@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,31 @@ TEST(TokenizerCursorTest, LineOfOffsetCountsLfAndLoneCr) {
   // In this order the queries go forwards, backwards and forwards again.
   for (auto c : cases) EXPECT_EQ(t.LineOfOffset(c.offset), c.line) << c.offset;
   EXPECT_EQ(t.GetLine(), 1);  // the tracked line is not touched
+}
+
+TEST(TokenizerCursorTest, LineOfOffsetAgreesWithAPlainCountOverLongMixedText) {
+  // The count runs eight bytes at a time; line ends on word edges, CR LF pairs split
+  // across two words and CRs just before the NUL must all count as a byte-wise walk does.
+  std::mt19937 random(7);
+  const char alphabet[] = {'\r', '\n', 'x', ' ', '\r', '\n'};
+  for (int round = 0; round < 20; ++round) {
+    std::string text;
+    const int length = 1 + static_cast<int>(random() % 300);
+    for (int i = 0; i < length; ++i) text += alphabet[random() % sizeof alphabet];
+    TCPPTokenizer t;
+    t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
+    int line = 1;
+    for (int offset = 0; offset <= length; ++offset) {
+      ASSERT_EQ(t.LineOfOffset(offset), line) << "round " << round << " offset " << offset;
+      if (text[offset] == '\n' || (text[offset] == '\r' && text[offset + 1] != '\n')) ++line;
+    }
+    // A backward query starts over from the beginning of the text.
+    for (int offset = length; offset >= 0; offset -= 37) {
+      TCPPTokenizer fresh;
+      fresh.SetText(text.c_str(), static_cast<int32_t>(text.size()));
+      EXPECT_EQ(t.LineOfOffset(offset), fresh.LineOfOffset(offset)) << "round " << round;
+    }
+  }
 }
 
 TEST(TokenizerCursorTest, IndexOfOffsetFindsTheEnclosingToken) {
