@@ -14,5 +14,7 @@ void AddTokensCommand(CLI::App& app);
 void AddDumpCommand(CLI::App& app);
 /// `velmora settings [SECTION [KEY [VALUE]]]`
 void AddSettingsCommand(CLI::App& app);
+/// `velmora register-types [--icons DIR]`
+void AddRegisterTypesCommand(CLI::App& app);
 
 }  // namespace velmora::app

@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
   velmora::app::AddTokensCommand(app);
   velmora::app::AddDumpCommand(app);
   velmora::app::AddSettingsCommand(app);
+  velmora::app::AddRegisterTypesCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
