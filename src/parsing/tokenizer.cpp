@@ -3,41 +3,42 @@
 #include <algorithm>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace velmora {
 namespace {
 
-// 0x80 in every byte of `word` that equals `c`, 0 in the others. Exact for every byte (the
-// shorter zero-byte test can flag a byte after a real hit).
-uint64_t BytesEqual(uint64_t word, unsigned char c) {
-  const uint64_t x = word ^ (0x0101010101010101ull * c);
-  return ~(((x & 0x7F7F7F7F7F7F7F7Full) + 0x7F7F7F7F7F7F7F7Full) | x) & 0x8080808080808080ull;
-}
-
-uint64_t Load64(const char* p) {
-  uint64_t w;
-  std::memcpy(&w, p, sizeof w);
-  return w;
+bool IsLineEndAt(const char* text, int32_t p) {
+  return text[p] == '\n' || (text[p] == '\r' && text[p + 1] != '\n');
 }
 
 // The line ends that start in [from, to): every LF, and every CR not followed by a LF.
-// text[to] must be readable (it is at most the NUL). Eight bytes at a time, since line
-// numbers for every record make this a pass over the whole text.
+// text[to] must be readable (it is at most the NUL). Line numbers for every record make
+// this a pass over the whole text, so it goes sixteen bytes at a time where the machine
+// has the vector unit every x86-64 has.
 int32_t CountLineEnds(const char* text, int32_t from, int32_t to) {
   int32_t n = 0;
   int32_t p = from;
-  // The word at p + 1 reaches text[p + 8], so it stays within text[to].
-  for (; p + 8 <= to; p += 8) {
-    const uint64_t here = Load64(text + p);
-    const uint64_t next = Load64(text + p + 1);
-    const uint64_t lf = BytesEqual(here, '\n');
-    const uint64_t loneCr = BytesEqual(here, '\r') & ~BytesEqual(next, '\n');
-    // Each byte of the sum is 0, 1 or 2; the multiply adds all eight into the top byte.
-    const uint64_t perByte = (lf >> 7) + (loneCr >> 7);
-    n += static_cast<int32_t>((perByte * 0x0101010101010101ull) >> 56);
+#if defined(__SSE2__)
+  const __m128i lf = _mm_set1_epi8('\n');
+  const __m128i cr = _mm_set1_epi8('\r');
+  // Hits are summed per byte lane (a hit is -1, subtracted) and folded into n before any
+  // lane can pass 255. The load at p + 1 reaches text[p + 16], which is within text[to].
+  while (p + 16 <= to) {
+    __m128i lanes = _mm_setzero_si128();
+    for (int round = 0; round < 255 && p + 16 <= to; ++round, p += 16) {
+      const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + p));
+      const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + p + 1));
+      const __m128i loneCr = _mm_andnot_si128(_mm_cmpeq_epi8(next, lf), _mm_cmpeq_epi8(here, cr));
+      lanes = _mm_sub_epi8(lanes, _mm_or_si128(_mm_cmpeq_epi8(here, lf), loneCr));
+    }
+    const __m128i sums = _mm_sad_epu8(lanes, _mm_setzero_si128());
+    n += _mm_cvtsi128_si32(sums) + _mm_cvtsi128_si32(_mm_srli_si128(sums, 8));
   }
-  for (; p < to; ++p) {
-    if (text[p] == '\n' || (text[p] == '\r' && text[p + 1] != '\n')) ++n;
-  }
+#endif
+  for (; p < to; ++p) n += IsLineEndAt(text, p);
   return n;
 }
 

@@ -35,7 +35,8 @@ TEST(TokenizerCursorTest, LineOfOffsetAgreesWithAPlainCountOverLongMixedText) {
   const char alphabet[] = {'\r', '\n', 'x', ' ', '\r', '\n'};
   for (int round = 0; round < 20; ++round) {
     std::string text;
-    const int length = 1 + static_cast<int>(random() % 300);
+    // The last rounds are long enough for the vector count to fold its lanes.
+    const int length = 1 + static_cast<int>(random() % (round < 17 ? 300 : 9000));
     for (int i = 0; i < length; ++i) text += alphabet[random() % sizeof alphabet];
     TCPPTokenizer t;
     t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
@@ -45,7 +46,7 @@ TEST(TokenizerCursorTest, LineOfOffsetAgreesWithAPlainCountOverLongMixedText) {
       if (text[offset] == '\n' || (text[offset] == '\r' && text[offset + 1] != '\n')) ++line;
     }
     // A backward query starts over from the beginning of the text.
-    for (int offset = length; offset >= 0; offset -= 37) {
+    for (int offset = length; offset >= 0; offset -= 397) {
       TCPPTokenizer fresh;
       fresh.SetText(text.c_str(), static_cast<int32_t>(text.size()));
       EXPECT_EQ(t.LineOfOffset(offset), fresh.LineOfOffset(offset)) << "round " << round;
