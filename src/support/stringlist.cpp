@@ -134,6 +134,15 @@ int TStringList::IndexOfObject(const void* object) const {
 
 int TStringList::Add(std::string_view s, void* object) {
   int index = Count();
+  if (sorted_ && count_ > 0 && !blocks_.back().empty()) {
+    // Names that come in order (a saved model being loaded) go at the end without a
+    // search; an equal last name may join it only where duplicates are accepted.
+    const int order = Compare(blocks_.back().back().text, s);
+    if (order < 0 || (order == 0 && duplicates_ == TDuplicates::Accept)) {
+      InsertAt(index, s, object);
+      return index;
+    }
+  }
   if (sorted_) {
     if (Find(s, index)) {
       switch (duplicates_) {
