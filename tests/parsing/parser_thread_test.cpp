@@ -17,6 +17,7 @@
 
 #include "model/class_list.h"
 #include "support/stream.h"
+#include "support/sync.h"
 
 namespace velmora {
 namespace {
@@ -263,6 +264,26 @@ TEST_F(ParserThreadsTest, CallerIsReleasedWhenTheJobItselfFails) {
   TBrokenTarget target;
   StartParse(target, nullptr, Path("r.cpp"), nullptr, nullptr, nullptr, {});  // returns
   EXPECT_NE(target.Find("TRoot"), nullptr);
+}
+
+class TSlowLoadThread : public TCPPParserThread {
+ public:
+  using TCPPParserThread::TCPPParserThread;
+
+ protected:
+  std::unique_ptr<TMemoryStream> LoadFile(const std::string& name) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    return TCPPParserThread::LoadFile(name);
+  }
+};
+
+TEST_F(ParserThreadsTest, ReleaseByAnotherJobDoesNotEndTheWait) {
+  Write({{"r.cpp", "class TSlow {};\n"}});
+  TSemaphore otherJob(ParseSemaphoreName());
+  otherJob.Release();  // as if another job's thread had just finished
+  TClasslist target;
+  ResumeParserThread(new TSlowLoadThread(Path("r.cpp"), nullptr, nullptr, nullptr, {}, nullptr, &target));
+  EXPECT_NE(target.Find("TSlow"), nullptr);
 }
 
 TEST_F(ParserThreadsTest, TwoJobsAtOnceEachFillTheirOwnList) {
