@@ -5,7 +5,8 @@
 //                model, and the model's golden files;
 //  domain        domain files over the class names the domain target provides, and over
 //                the examples' classes;
-//  parameters    every parameter text of the parsed examples, a language byte first.
+//  parameters    every parameter text of the parsed examples, a language byte first;
+//  ini           the settings golden files (settings and project settings texts).
 #include <cstdio>
 #include <filesystem>
 #include <set>
@@ -152,6 +153,9 @@ int main(int argc, char** argv) {
     n = 0;
     for (const std::string& text : parameters)
       Write(out / "parameters" / std::to_string(n++), text);
+
+    for (const fs::path& p : FilesUnder(source / "tests/settings/golden"))
+      Write(out / "ini" / p.filename(), ReadWholeFile(p.string()));
   } catch (const Exception& e) {
     std::fprintf(stderr, "seed_maker: %s\n", e.Message().c_str());
     return 1;
