@@ -24,13 +24,6 @@ TEST(FileTypesTest, PackageMatchesItsGoldenFile) {
   EXPECT_EQ(MimePackageText(), ReadWholeFile(golden)) << golden;
 }
 
-TEST(FileTypesTest, EveryIconNameHasAnIconFile) {
-  for (const TFileTypeInfo& type : kFileTypes) {
-    const std::string icon = kSourceDir + "/data/icons/" + std::string(IconNameOf(type.IconIndex)) + ".svg";
-    EXPECT_TRUE(fs::exists(icon)) << type.Extension << ": " << icon;
-  }
-}
-
 TEST(FileTypesTest, DataHomeFollowsTheBaseDirectoryRules) {
   const struct {
     const char *xdg, *home, *expected;
