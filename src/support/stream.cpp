@@ -208,10 +208,14 @@ void TFileStream::Sync() {
 // ---- whole files ----
 
 std::string ReadWholeFile(const std::string& path) {
-  TFileStream f(path, TFileStream::Mode::Read);
+  // Checked before opening: opening a pipe waits for a writer, and a device such as
+  // /dev/zero never ends, so either would hang the reader instead of failing.
   struct stat st;
-  if (::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode))
-    throw EStreamError(SystemReason("Cannot read file", path, EISDIR));
+  if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
+    if (S_ISDIR(st.st_mode)) throw EStreamError(SystemReason("Cannot read file", path, EISDIR));
+    throw EStreamError("Cannot read file \"" + path + "\": not a regular file");
+  }
+  TFileStream f(path, TFileStream::Mode::Read);
   std::string data;
   char buffer[1 << 16];
   for (;;) {
