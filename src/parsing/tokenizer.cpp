@@ -62,6 +62,12 @@ TTokenizer::TTokenSink TTokenizer::BeginTokens(int32_t expected) {
 
 TTokenizer::TTokenSink TTokenizer::AddTokenGrowing(TTokenSink sink, int32_t offset, int kind) {
   EndTokens(sink);
+  // The estimate ran out on text denser in tokens than usual. A token takes at least one
+  // character, so room for one per character left lasts the rest of the scan. Growing by
+  // the lists' own 1024 entries instead copies them over and over wherever realloc cannot
+  // move pages (under the sanitizers, with other C libraries): quadratic in the text, and
+  // minutes for a 10 MB line of `a+a+...`.
+  if (textSize_ > offset) BeginTokens(textSize_ - offset + 1);
   offsets_.Add(offset);
   kinds_.Add(kind);
   return Sink();
