@@ -16,46 +16,30 @@
 #include <string_view>
 #include <vector>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "commands.h"
 #include "parsing/cpp_tokenizer.h"
 #include "parsing/pascal_tokenizer.h"
 #include "parsing/source_parser.h"
+#include "support/exception.h"
+#include "support/stream.h"
 
 namespace velmora::app {
 namespace {
 
-/// Reads the whole file into `text`; on failure returns the system's reason.
+/// Reads the whole file into `text`; on failure returns the reason, naming the file.
 bool ReadFile(const std::string& path, std::string& text, std::string& reason) {
-  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) {
-    reason = std::strerror(errno);
+  try {
+    text = ReadWholeFile(path);
+  } catch (const EStreamError& e) {
+    reason = e.what();
     return false;
   }
-  struct stat st;
-  int error = 0;
-  if (::fstat(fd, &st) != 0)
-    error = errno;
-  else if (S_ISDIR(st.st_mode))
-    error = EISDIR;
-  text.clear();
-  if (!error && S_ISREG(st.st_mode)) text.reserve(static_cast<size_t>(st.st_size));
-  char buffer[1 << 16];
-  while (!error) {
-    const ssize_t n = ::read(fd, buffer, sizeof buffer);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) error = errno;
-    if (n <= 0) break;
-    text.append(buffer, static_cast<size_t>(n));
-    // Token offsets are 32-bit: a text must leave room for its NUL's offset.
-    if (text.size() >= INT32_MAX) error = EFBIG;
+  // Token offsets are 32-bit: a text must leave room for its NUL's offset.
+  if (text.size() >= INT32_MAX) {
+    reason = "Cannot read file \"" + path + "\": " + std::strerror(EFBIG);
+    return false;
   }
-  ::close(fd);
-  if (error) reason = std::strerror(error);
-  return error == 0;
+  return true;
 }
 
 /// Collects output and writes it to stdout in large blocks.
@@ -144,7 +128,7 @@ int RunTokens(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     if (!ReadFile(path, text, reason)) {
       output.Flush();  // keep stdout and stderr in order on a terminal
-      std::fprintf(stderr, "velmora: cannot read \"%s\": %s\n", path.c_str(), reason.c_str());
+      std::fprintf(stderr, "velmora: %s\n", reason.c_str());
       status = 1;
       continue;
     }
