@@ -7,6 +7,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace velmora {
 
@@ -110,6 +111,16 @@ class TMemoryStream : public TStream {
   TMemoryStream& operator=(const TMemoryStream& other) {
     data_ = other.data_;
     blockPosition_ = other.blockPosition_;
+    return *this;
+  }
+  // The block is lent by address, so a moved stream points it at its own string again.
+  TMemoryStream(TMemoryStream&& other) noexcept : TStream(), data_(std::move(other.data_)) {
+    block_ = &data_;
+    blockPosition_ = std::exchange(other.blockPosition_, 0);
+  }
+  TMemoryStream& operator=(TMemoryStream&& other) noexcept {
+    data_ = std::move(other.data_);
+    blockPosition_ = std::exchange(other.blockPosition_, 0);
     return *this;
   }
 

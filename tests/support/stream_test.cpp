@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -115,6 +116,28 @@ TEST(StreamTest, ShortReadsFailForEveryWidth) {
     TMemoryStream b(c.data);
     EXPECT_THROW(c.read(b), EStreamError) << c.what;
   }
+}
+
+TEST(StreamTest, CopiedAndMovedMemoryStreamsReadTheirOwnBlock) {
+  // The typed reads go straight to the block: a copy or a moved-to stream that still
+  // pointed at the source's string would read freed or foreign bytes.
+  auto source = std::make_unique<TMemoryStream>(std::string("\x01\x00\x00\x00\x02\x00\x00\x00", 8));
+  EXPECT_EQ(source->ReadU32(), 1u);
+  TMemoryStream copy(*source);
+  TMemoryStream assigned;
+  assigned = *source;
+  TMemoryStream moved(std::move(*source));
+  source.reset();
+  for (TMemoryStream* s : {&copy, &assigned, &moved}) {
+    EXPECT_EQ(s->Position(), 4);
+    EXPECT_EQ(s->ReadU32(), 2u);
+    uint32_t past;
+    EXPECT_FALSE(s->TryReadU32(past));
+  }
+  TMemoryStream moveAssigned;
+  moveAssigned = std::move(copy);
+  moveAssigned.Seek(0);
+  EXPECT_EQ(moveAssigned.ReadU32(), 1u);
 }
 
 TEST(StreamTest, MemoryStreamSeekClampsAndWritesOverwrite) {
