@@ -104,7 +104,8 @@ std::vector<std::unique_ptr<Corpus>> LoadCorpora() {
                   c->pascal ? "install lazarus-src" : "install qt6-base-dev");
       continue;
     }
-    std::printf("%s: %zu files, %.1f MB in buffer form\n", c->name.c_str(), c->texts.size(),
+    std::printf("%s: %zu files, %.1f MB on disk, %.1f MB in buffer form\n", c->name.c_str(),
+                c->texts.size(), static_cast<double>(c->diskBytes) / 1e6,
                 static_cast<double>(c->bytes) / 1e6);
     corpora.push_back(std::move(c));
   }

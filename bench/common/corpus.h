@@ -4,7 +4,8 @@
 // Files are held in buffer form (CR LF line ends, converted while loading), as the parser
 // threads hold them: in an LF file a `//` comment would run to the end of the file and the
 // figures would measure a search for CR instead of real work. universal-ctags runs over the
-// same files as they are on disk, wall-clock timed, its start-up included.
+// same files as they are on disk, wall-clock timed, its start-up included. Every rate is
+// of the bytes on disk, so that the figures compare.
 #pragma once
 
 #include <benchmark/benchmark.h>
