@@ -311,15 +311,32 @@ bool TMethodDescriptionList::IsOverloaded(int i) const {
          (i + 1 < Count() && Index.Compare(Index.Strings(i + 1), Index.Strings(i)) == 0);
 }
 
+TMethodDescriptionList::TNameRun TMethodDescriptionList::NameRun(std::string_view name) const {
+  TNameRun run{0, 0};
+  if (!Index.Find(name, run.First)) return {run.First, run.First};
+  run.End = run.First + 1;
+  while (run.End < Count() && Index.Compare(Index.Strings(run.End), name) == 0) ++run.End;
+  return run;
+}
+
+TMethodDescription* TMethodDescriptionList::AddAt(int index,
+                                                  std::unique_ptr<TMethodDescription> method) {
+  if (IsReference || !method) return nullptr;
+  Index.InsertFound(index, method->Name, method.get());
+  return method.release();
+}
+
 TMethodDescription* TMethodDescriptionList::FindOrAdd(std::string_view name, TParameterList params,
                                                       std::string_view resultType,
                                                       TVisibility visibility, TMethodKind kind) {
-  TMethodDescription* m = Find(name, params);
-  if (!m) {
-    const int first = IndexOfName(name);
-    if (first >= 0 && !IsOverloaded(first) && !Items(first)->Valid) m = Items(first);
-  }
-  if (!m) m = Add(std::make_unique<TMethodDescription>(name, Language));
+  const TNameRun run = NameRun(name);
+  TMethodDescription* m = nullptr;
+  for (int i = run.First; i < run.End && !m; ++i)
+    if (Items(i)->Parameters.SameAs(params)) m = Items(i);
+  // The only method of that name, not yet seen in this parse: its signature changed.
+  if (!m && run.End - run.First == 1 && !Items(run.First)->Valid) m = Items(run.First);
+  // After its equals, so that overloads keep the order they were declared in.
+  if (!m) m = AddAt(run.End, std::make_unique<TMethodDescription>(name, Language));
   if (!m) return nullptr;
   m->Name = name;  // same index key; a Pascal name may have changed its case
   m->Parameters = std::move(params);
@@ -394,24 +411,26 @@ TProcDescription* TRoutineList::FindOrAdd(std::string_view name, std::string_vie
                                           TLanguage language, TParameterList params,
                                           std::string_view resultType, TVisibility visibility,
                                           TMethodKind kind) {
-  TProcDescription* r = Find(name, fileName, params);
-  if (!r) {
-    // The only routine of that name in that file, not yet seen in this parse: its
-    // signature changed.
-    TProcDescription* only = nullptr;
-    int inFile = 0;
-    const int first = IndexOfName(name);
-    for (int i = first; i >= 0 && i < Count() && Index.Compare(Index.Strings(i), name) == 0; ++i)
-      if (SameText(Items(i)->FileName, fileName)) {
-        only = Items(i);
-        ++inFile;
-      }
-    if (inFile == 1 && !only->Valid) r = only;
+  // One pass over the routines of that name finds both the exact match and, failing it,
+  // the only routine of that name in that file not yet seen in this parse (its signature
+  // changed).
+  const TNameRun run = NameRun(name);
+  TProcDescription* r = nullptr;
+  TProcDescription* only = nullptr;
+  int inFile = 0;
+  for (int i = run.First; i < run.End && !r; ++i) {
+    TProcDescription* candidate = Items(i);
+    if (!SameText(candidate->FileName, fileName)) continue;
+    if (candidate->Parameters.SameAs(params)) r = candidate;
+    only = candidate;
+    ++inFile;
   }
+  if (!r && inFile == 1 && !only->Valid) r = only;
   if (!r) {
     auto fresh = std::make_unique<TProcDescription>(name, language);
     fresh->FileName = fileName;
-    r = Add(std::move(fresh));
+    fresh->Owner = this;
+    r = static_cast<TProcDescription*>(AddAt(run.End, std::move(fresh)));
     if (!r) return nullptr;
   }
   r->Parameters = std::move(params);

@@ -181,6 +181,18 @@ class TMethodDescriptionList : public TRepObject {
   TClassDescription* OwnerClass;
   TLanguage Language;
   bool IsReference = false;
+
+ protected:
+  /// The entries named `name` as [First, End) of Index; both are where the name would go
+  /// when there is none. One search serves a whole find-or-add.
+  struct TNameRun {
+    int First;
+    int End;
+  };
+  TNameRun NameRun(std::string_view name) const;
+  /// Indexes `method` at `index`, the end of its name's run, and takes ownership; null in
+  /// reference mode.
+  TMethodDescription* AddAt(int index, std::unique_ptr<TMethodDescription> method);
 };
 
 /// The free routines of a project, kept like methods.

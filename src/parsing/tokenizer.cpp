@@ -139,13 +139,26 @@ void TTokenizer::Next() {
 
 int TTokenizer::NextWhileIn(const TTokenKindSet& skipped) {
   forward_ = true;
-  int kind;
+  // The token the cursor stands on is read first, as KindAt would: it may not have been
+  // counted for the line yet.
+  int kind = KindAt(index_);
+  if (kind == tkEndOfText) return kind;
+  // From here every token is new (the cursor only moves forward, past lastVisited_) and the
+  // end-of-text entry stops the loop, so it reads the list directly: this is where the
+  // parsers spend their time stepping over blanks.
+  const int32_t* const kinds = kinds_.Items();
+  int32_t i = index_;
   do {
-    kind = KindAt(index_);
-    if (kind == tkEndOfText) break;
-    ++index_;
-    kind = KindAt(index_);
-  } while (skipped.Contains(kind));
+    kind = kinds[++i];
+    if (lineMovingKinds_.Contains(kind)) {
+      if (kind == tkLineEnd)
+        ++line_;
+      else
+        AdjustLineForComment(offsets_.Get(i) + 1, kind);
+    }
+  } while (kind != tkEndOfText && skipped.Contains(kind));
+  index_ = i;
+  lastVisited_ = i;
   return kind;
 }
 

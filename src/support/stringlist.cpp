@@ -176,6 +176,10 @@ void TStringList::Insert(int index, std::string_view s, void* object) {
   InsertAt(std::clamp(index, 0, Count()), s, object);
 }
 
+void TStringList::InsertFound(int index, std::string_view s, void* object) {
+  InsertAt(std::clamp(index, 0, Count()), s, object);
+}
+
 void TStringList::Delete(int index) {
   if (index < 0 || index >= Count()) return;
   const Place p = Locate(index);

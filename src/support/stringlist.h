@@ -33,6 +33,10 @@ class TStringList {
   int Add(std::string_view s, void* object = nullptr);
   /// Inserts at `index`; only meaningful for an unsorted list (a sorted list adds instead).
   void Insert(int index, std::string_view s, void* object = nullptr);
+  /// Inserts at `index` in a sorted list too, sparing Add its search: for a caller that has
+  /// just found the place with Find (past the equal run, where duplicates are accepted).
+  /// Keeping the order is the caller's part.
+  void InsertFound(int index, std::string_view s, void* object);
   void Delete(int index);
   void Clear();
   void Exchange(int a, int b);

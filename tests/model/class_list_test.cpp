@@ -219,6 +219,32 @@ TEST(RoutineListTest, FindOrAddPerFileAndSweepByFile) {
   EXPECT_EQ(r.Find("f", "a.h", Params(C, "int")), nullptr);
 }
 
+TEST(RoutineListTest, AChangedSignatureKeepsItsRoutineOnlyWhenItIsTheOneInItsFile) {
+  TClasslist list;
+  TRoutineList& r = list.Routines;
+  auto add = [&](const char* file, const char* params) {
+    return r.FindOrAdd("f", file, C, Params(C, params), "", TVisibility::Public,
+                       TMethodKind::Procedure);
+  };
+  TProcDescription* fa = add("a.h", "int");
+  TProcDescription* fb = add("b.h", "int");
+  list.Mark("a.h", false);
+  // The one f of a.h, unseen in this parse: the same routine with new parameters.
+  EXPECT_EQ(add("a.h", "char"), fa);
+  EXPECT_EQ(fa->Parameters[0].ParamType, "char");
+  // fb is still valid: a new overload, placed after the others of its name.
+  TProcDescription* fb2 = add("b.h", "char");
+  EXPECT_NE(fb2, fb);
+  ASSERT_EQ(r.Count(), 3);
+  EXPECT_EQ(r.Items(2), fb2);
+  // Two of them in b.h, both unseen: neither is guessed.
+  list.Mark("b.h", false);
+  TProcDescription* fresh = add("b.h", "double");
+  EXPECT_NE(fresh, fb);
+  EXPECT_NE(fresh, fb2);
+  EXPECT_EQ(r.Count(), 4);
+}
+
 TEST(IncludeFilesListTest, Lookups) {
   TIncludeFilesList includes;
   const std::pair<const char*, std::vector<const char*>> units[] = {
