@@ -44,9 +44,10 @@ namespace pascal_parser {
 
 void ParseTypeDeclaration(TPascalFileParser& p) {
   TTokenizer& t = p.Cursor();
+  // Every name of the unit comes here, so the cheap test goes first.
+  if (PeekSignificant(t) != ptEqual) return;
   const TSpot start = Here(t);
   const std::string name = t.Text();
-  if (PeekSignificant(t) != ptEqual) return;
   t.NextSignificant();
   int kind = t.NextSignificant();
   if (kind == ptPacked) kind = t.NextSignificant();
