@@ -336,13 +336,62 @@ void TParameterList::Parse(std::string_view text) {
   }
 }
 
+namespace {
+
+// Reads a type text as NormalizeTypeText writes it, one character at a time, so that two
+// texts compare without building either: find-or-add compares the parameters of every
+// overload it meets.
+class TNormalizedTypeReader {
+ public:
+  explicit TNormalizedTypeReader(std::string_view text) : text_(text) {}
+  /// The next character of the normalized text, or -1 at its end.
+  int Next() {
+    bool blank = false;
+    while (at_ < text_.size() && IsBlank(text_[at_])) {
+      blank = true;
+      ++at_;
+    }
+    if (at_ == text_.size()) return -1;
+    const char c = text_[at_];
+    if (blank && last_ != 0 && IsIdentChar(last_) && IsIdentChar(c)) {
+      last_ = ' ';
+      return ' ';
+    }
+    last_ = c;
+    ++at_;
+    return static_cast<unsigned char>(c);
+  }
+
+ private:
+  std::string_view text_;
+  size_t at_ = 0;
+  char last_ = 0;  // the character given last; 0 before the first (a NUL is a blank)
+};
+
+bool SameTypeText(std::string_view a, std::string_view b, bool caseSensitive) {
+  if (a == b) return true;
+  TNormalizedTypeReader ra(a), rb(b);
+  for (;;) {
+    int ca = ra.Next(), cb = rb.Next();
+    if (!caseSensitive && ca >= 0 && cb >= 0) {
+      ca = static_cast<unsigned char>(AnsiUpperChar(static_cast<char>(ca)));
+      cb = static_cast<unsigned char>(AnsiUpperChar(static_cast<char>(cb)));
+    }
+    if (ca != cb) return false;
+    if (ca < 0) return true;
+  }
+}
+
+}  // namespace
+
 bool TParameterList::SameAs(const TParameterList& other) const {
   if (Items.size() != other.Items.size()) return false;
+  const bool caseSensitive = IsCpp(Language);
   for (size_t i = 0; i < Items.size(); ++i) {
     const TParameter& a = Items[i];
     const TParameter& b = other.Items[i];
-    if (!SameName(NormalizeTypeText(a.ParamType), NormalizeTypeText(b.ParamType), Language) ||
-        !SameName(NormalizeTypeText(a.Modifier), NormalizeTypeText(b.Modifier), Language))
+    if (!SameTypeText(a.ParamType, b.ParamType, caseSensitive) ||
+        !SameTypeText(a.Modifier, b.Modifier, caseSensitive))
       return false;
   }
   return true;

@@ -1,6 +1,8 @@
 // The parameter text reader and the comparison that tells overloads apart.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include <string>
 #include <vector>
 
@@ -114,6 +116,31 @@ TEST(ParameterListTest, SameAsTellsOverloadsApart) {
     b.Parse(c.b);
     EXPECT_EQ(a.SameAs(b), c.same) << c.a << " vs " << c.b;
     EXPECT_EQ(b.SameAs(a), c.same) << c.b << " vs " << c.a;
+  }
+}
+
+// SameAs compares the types without building their normalized texts; on random texts it
+// must agree with comparing the normalized texts themselves.
+TEST(ParameterListTest, SameAsAgreesWithNormalizedTexts) {
+  const std::string_view pieces[] = {"a", "B", "b", " ", "\t", "  ", "*", "_", "1", "\xE9", "\xC9", ":"};
+  std::mt19937 random(7);
+  auto randomText = [&] {
+    std::string s;
+    for (int n = static_cast<int>(random() % 7); n > 0; --n) s += pieces[random() % std::size(pieces)];
+    return s;
+  };
+  for (TLanguage lang : {C, P}) {
+    for (int round = 0; round < 20000; ++round) {
+      const std::string ta = randomText(), tb = randomText();
+      const std::string ma = randomText(), mb = randomText();
+      TParameterList a(lang), b(lang);
+      a.Add("x", ta, ma, "");
+      b.Add("y", tb, mb, "");
+      const bool expected =
+          SameName(NormalizeTypeText(ta), NormalizeTypeText(tb), lang) &&
+          SameName(NormalizeTypeText(ma), NormalizeTypeText(mb), lang);
+      ASSERT_EQ(a.SameAs(b), expected) << "[" << ta << "|" << ma << "] vs [" << tb << "|" << mb << "]";
+    }
   }
 }
 
