@@ -40,6 +40,16 @@ void TStringList::InsertAt(int index, std::string_view s, void* object) {
     blocks_.emplace_back();
     starts_.push_back(0);
   }
+  if (index >= count_ && static_cast<int>(blocks_.back().size()) >= kMaxBlock) {
+    // Appending to a full last block (a saved model loading in order, a list being filled)
+    // starts the next block: blocks stay full and nothing is moved or split.
+    auto& fresh = blocks_.emplace_back();
+    fresh.reserve(kMaxBlock);
+    fresh.push_back(Entry{std::string(s), object});
+    starts_.push_back(count_);
+    ++count_;
+    return;
+  }
   // An index at the end goes into the last block; anything else into the block holding it.
   Place p = index >= count_ ? Place{static_cast<int>(blocks_.size()) - 1, 0} : Locate(index);
   if (index >= count_) p.offset = static_cast<int>(blocks_[p.block].size());

@@ -67,9 +67,9 @@ class TStringList {
     void* object;
   };
   // Entries live in blocks of at most kMaxBlock, so that inserting into a list of tens of
-  // thousands of names (the routines of a large library) moves a few hundred entries
+  // thousands of names (the routines of a large library) moves a few dozen entries
   // rather than half the list. `starts_[b]` is the list index of block b's first entry.
-  static constexpr int kMaxBlock = 256;
+  static constexpr int kMaxBlock = 64;
   struct Place {
     int block, offset;
   };

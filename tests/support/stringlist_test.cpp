@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstdint>
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "support/exception.h"
 
@@ -102,6 +106,65 @@ TEST(StringListTest, SwitchingOrderRulesResorts) {
   list.Delete(10);
   list.Delete(0);
   EXPECT_EQ(Contents(list), "a3 B2 b1");
+}
+
+// Lists long enough to span many blocks, driven by random adds, in-order appends, found
+// inserts and deletes, and checked entry by entry against a plain vector after each step:
+// the blocks must never show.
+TEST(StringListTest, LongListsBehaveLikeOneArray) {
+  std::mt19937 random(11);
+  for (const bool unsorted : {false, true}) {
+    TStringList list(!unsorted, TDuplicates::Accept, false);
+    std::vector<std::pair<std::string, intptr_t>> model;
+    auto upper = [](std::string s) {
+      for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+      return s;
+    };
+    // Where a sorted add goes: after every entry that is not greater.
+    auto sortedPlace = [&](const std::string& text) {
+      size_t i = 0;
+      while (i < model.size() && upper(model[i].first) <= upper(text)) ++i;
+      return i;
+    };
+    intptr_t next = 1;
+    std::string last = "a";
+    for (int step = 0; step < 6000; ++step) {
+      const unsigned op = random() % 10;
+      if (op < 4) {  // a random name, often a repeat in another case
+        std::string text = std::to_string(random() % 700);
+        if (random() % 2) text = "n" + text; else text = "N" + text;
+        const size_t at = unsorted ? model.size() : sortedPlace(text);
+        list.Add(text, Id(next));
+        model.insert(model.begin() + static_cast<std::ptrdiff_t>(at), {text, next++});
+      } else if (op < 7) {  // names that come in order, as a saved list loads
+        last += static_cast<char>('a' + random() % 3);
+        if (last.size() > 12) last = "z" + std::to_string(step);
+        const size_t at = unsorted ? model.size() : sortedPlace(last);
+        list.Add(last, Id(next));
+        model.insert(model.begin() + static_cast<std::ptrdiff_t>(at), {last, next++});
+      } else if (op < 8 && !unsorted) {  // a find followed by an insert at the end of the run
+        const std::string text = "n" + std::to_string(random() % 700);
+        int index = 0;
+        if (list.Find(text, index))
+          while (index < list.Count() && list.Compare(list.Strings(index), text) == 0) ++index;
+        ASSERT_EQ(static_cast<size_t>(index), sortedPlace(text)) << text;
+        list.InsertFound(index, text, Id(next));
+        model.insert(model.begin() + index, {text, next++});
+      } else if (!model.empty()) {
+        const int index = static_cast<int>(random() % model.size());
+        list.Delete(index);
+        model.erase(model.begin() + index);
+      }
+      ASSERT_EQ(list.Count(), static_cast<int>(model.size())) << "step " << step;
+      if (step % 97 == 0 || step > 5900) {
+        for (size_t i = 0; i < model.size(); ++i) {
+          ASSERT_EQ(list.Strings(static_cast<int>(i)), model[i].first) << "step " << step << " at " << i;
+          ASSERT_EQ(list.Objects(static_cast<int>(i)), Id(model[i].second)) << "step " << step;
+        }
+      }
+    }
+    EXPECT_GT(list.Count(), 1000);  // many blocks, whatever their size
+  }
 }
 
 }  // namespace
