@@ -1,5 +1,7 @@
 #include "model/members.h"
 
+#include <algorithm>
+
 #include "model/class_description.h"
 #include "model/class_info_error.h"
 #include "support/ansi.h"
@@ -377,7 +379,10 @@ void TMethodDescriptionList::SetOwnerClass(TClassDescription* owner) {
 }
 
 void TMethodDescriptionList::LoadFromStream(TStream& stream) {
-  for (uint32_t n = LoadU32(stream); n > 0; --n) {
+  uint32_t n = LoadU32(stream);
+  // A damaged count reserves no more than a block.
+  Index.Reserve(static_cast<int>(std::min<uint32_t>(n, 1u << 16)));
+  for (; n > 0; --n) {
     auto m = std::make_unique<TMethodDescription>("", Language);
     m->LoadFromStream(stream);
     Add(std::move(m));
@@ -562,7 +567,11 @@ void TFieldDescriptionList::SetOwnerClass(TClassDescription* owner) {
 }
 
 void TFieldDescriptionList::LoadFromStream(TStream& stream) {
-  for (uint32_t n = LoadU32(stream); n > 0; --n) {
+  uint32_t n = LoadU32(stream);
+  // A field record takes more than 32 bytes, so a damaged count reserves no more than the
+  // stream could hold.
+  items_.reserve(items_.size() + std::min<int64_t>(n, stream.Remaining() / 32));
+  for (; n > 0; --n) {
     auto f = std::make_unique<TFieldDescription>(nullptr, Language);
     f->LoadFromStream(stream);
     items_.push_back(std::move(f));

@@ -37,7 +37,7 @@ void TStringList::RecountFrom(int block) {
 
 void TStringList::InsertAt(int index, std::string_view s, void* object) {
   if (blocks_.empty()) {
-    blocks_.emplace_back();
+    blocks_.emplace_back().reserve(static_cast<size_t>(firstBlockRoom_));
     starts_.push_back(0);
   }
   if (index >= count_ && static_cast<int>(blocks_.back().size()) >= kMaxBlock) {
@@ -88,6 +88,7 @@ void TStringList::Clear() {
   blocks_.clear();
   starts_.clear();
   count_ = 0;
+  firstBlockRoom_ = 0;
 }
 
 // ---- the list ----
@@ -188,6 +189,16 @@ void TStringList::Insert(int index, std::string_view s, void* object) {
 
 void TStringList::InsertFound(int index, std::string_view s, void* object) {
   InsertAt(std::clamp(index, 0, Count()), s, object);
+}
+
+void TStringList::Reserve(int count) {
+  if (count <= 0) return;
+  // An empty list has no block (an empty block would break the searches): the first
+  // insert makes it with this room.
+  firstBlockRoom_ = std::min(count, kMaxBlock);
+  if (blocks_.empty()) return;
+  auto& last = blocks_.back();
+  last.reserve(std::min<size_t>(last.size() + static_cast<size_t>(count), kMaxBlock + 1));
 }
 
 void TStringList::Delete(int index) {

@@ -39,6 +39,9 @@ class TStringList {
   void InsertFound(int index, std::string_view s, void* object);
   void Delete(int index);
   void Clear();
+  /// Room for `count` more entries in the last block, up to a block's size: a loader that
+  /// knows how many names follow spares the block its stepwise growth.
+  void Reserve(int count);
   void Exchange(int a, int b);
 
   /// Binary search of a sorted list: true when found, `index` the first equal entry, or
@@ -70,6 +73,7 @@ class TStringList {
   // thousands of names (the routines of a large library) moves a few dozen entries
   // rather than half the list. `starts_[b]` is the list index of block b's first entry.
   static constexpr int kMaxBlock = 64;
+  int firstBlockRoom_ = 0;  // what Reserve asked for before there was a block
   struct Place {
     int block, offset;
   };
