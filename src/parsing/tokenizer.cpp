@@ -148,15 +148,19 @@ int TTokenizer::NextWhileIn(const TTokenKindSet& skipped) {
   // parsers spend their time stepping over blanks.
   const int32_t* const kinds = kinds_.Items();
   int32_t i = index_;
+  // The line end test is a sum rather than a branch: line ends and blanks alternate too
+  // irregularly for a branch to be guessed.
+  int32_t line = line_;
   do {
     kind = kinds[++i];
-    if (lineMovingKinds_.Contains(kind)) {
-      if (kind == tkLineEnd)
-        ++line_;
-      else
-        AdjustLineForComment(offsets_.Get(i) + 1, kind);
+    line += kind == tkLineEnd;
+    if (commentKinds_.Contains(kind)) {
+      line_ = line;
+      AdjustLineForComment(offsets_.Get(i) + 1, kind);
+      line = line_;
     }
   } while (kind != tkEndOfText && skipped.Contains(kind));
+  line_ = line;
   index_ = i;
   lastVisited_ = i;
   return kind;

@@ -61,8 +61,12 @@ void TStringList::InsertAt(int index, std::string_view s, void* object) {
                              std::make_move_iterator(block.end()));
     block.resize(kMaxBlock / 2);
     blocks_.insert(blocks_.begin() + p.block + 1, std::move(upper));
+    RecountFrom(p.block);
+    return;
   }
-  RecountFrom(p.block);
+  // Only the blocks after this one start one later: a loop over the starts alone, which
+  // does not visit the blocks themselves.
+  for (size_t b = static_cast<size_t>(p.block) + 1; b < starts_.size(); ++b) ++starts_[b];
 }
 
 std::vector<TStringList::Entry> TStringList::Flatten() {
