@@ -54,11 +54,12 @@ bool IsAssign(std::string_view s, size_t i) {
   return true;
 }
 
-// Splits C++ parameter text at the commas that stand outside brackets, literals and
-// template arguments. Angle brackets count only before a parameter's default value, where
-// they cannot be operators; inside a default value only real brackets protect a comma.
-std::vector<std::string_view> SplitCppParameters(std::string_view s) {
-  std::vector<std::string_view> parts;
+// Hands `visit` the pieces of C++ parameter text between the commas that stand outside
+// brackets, literals and template arguments. Angle brackets count only before a parameter's
+// default value, where they cannot be operators; inside a default value only real brackets
+// protect a comma.
+template <typename Visit>
+void ForEachCppParameter(std::string_view s, Visit visit) {
   int depth = 0, angles = 0;
   bool inDefault = false;
   size_t start = 0;
@@ -79,14 +80,13 @@ std::vector<std::string_view> SplitCppParameters(std::string_view s) {
     } else if (depth == 0 && angles == 0 && IsAssign(s, i)) {
       inDefault = true;
     } else if (depth == 0 && angles == 0 && c == ',') {
-      parts.push_back(s.substr(start, i - start));
+      visit(s.substr(start, i - start));
       start = i + 1;
       inDefault = false;
     }
     ++i;
   }
-  parts.push_back(s.substr(start));
-  return parts;
+  visit(s.substr(start));
 }
 
 // Position of the first top-level character `target` (outside brackets, literals and, when
@@ -157,6 +157,7 @@ std::pair<size_t, size_t> LastIdentifier(std::string_view s) {
 // A declarator in brackets: `void (*cb)(int)`, `void (__closure *OnClick)(TObject*)`,
 // `int (&a)[3]`. Returns true and fills the parameter when `decl` has one.
 bool ReadBracketedDeclarator(std::string_view decl, TParameter& p) {
+  if (decl.find('(') == std::string_view::npos) return false;  // most parameters
   const size_t open = FindTopLevel(decl, '(', true, true);
   if (open == std::string_view::npos) return false;
   size_t close = open + 1;
@@ -193,7 +194,8 @@ void ReadCppParameter(std::string_view text, TParameterList& list) {
     return;
   }
   std::string_view decl = text;
-  const size_t eq = FindTopLevel(text, '=', true, true);
+  const size_t eq = text.find('=') == std::string_view::npos ? std::string_view::npos
+                                                              : FindTopLevel(text, '=', true, true);
   if (eq != std::string_view::npos) {
     decl = Trim(text.substr(0, eq));
     p.DefaultValue = std::string(Trim(text.substr(eq + 1)));
@@ -323,7 +325,7 @@ void TParameterList::Parse(std::string_view text) {
   text = Trim(text);
   if (IsCpp(Language)) {
     if (text == "void") return;
-    for (std::string_view part : SplitCppParameters(text)) ReadCppParameter(part, *this);
+    ForEachCppParameter(text, [this](std::string_view part) { ReadCppParameter(part, *this); });
     return;
   }
   size_t start = 0;
