@@ -298,5 +298,59 @@ bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text) {
   }
 }
 
+namespace {
+
+// Whether the token at the cursor, of kind `kind`, is the identifier `word`.
+bool IsWordAt(const TCPPTokenizer& t, int kind, std::string_view word) {
+  return kind == ctIdentifier && t.TokenView(t.Index()) == word;
+}
+
+}  // namespace
+
+void PassTrailingSpecifiers(TCPPTokenizer& t, int& next, TCursorState& before) {
+  std::string unused;
+  auto step = [&] {
+    before = SaveCursor(t);
+    next = t.NextSignificant();
+  };
+  // A group that runs to the end of the text leaves the cursor there.
+  auto passGroup = [&] {
+    if (!CollectBracket(t, next, unused, false)) {
+      next = t.Kind();
+      return false;
+    }
+    step();
+    return true;
+  };
+  for (;;) {
+    if (next == ctVolatile || next == ctAmpersand || next == ctLogicalAnd || IsWordAt(t, next, "override") ||
+        IsWordAt(t, next, "final")) {
+      step();
+    } else if (next == ctThrow || IsWordAt(t, next, "noexcept")) {
+      step();
+      if (next == ctParens) {
+        step();
+      } else if (next == ctOpenParen) {
+        if (!passGroup()) return;
+      }
+    } else if (next == ctArrow) {
+      // A trailing return type: up to what may follow a declaration's type. A `}` is not
+      // ours to pass (broken input), and `override` and `final` are met again above.
+      step();
+      while (next != ctSemicolon && next != ctOpenBrace && next != ctBraces && next != ctAssign &&
+             next != ctCloseBrace && next != ctEndOfText && !IsWordAt(t, next, "override") &&
+             !IsWordAt(t, next, "final")) {
+        if (next == ctOpenParen || next == ctOpenBracket) {
+          if (!passGroup()) return;
+        } else {
+          step();
+        }
+      }
+    } else {
+      return;
+    }
+  }
+}
+
 }  // namespace cpp_parser
 }  // namespace velmora

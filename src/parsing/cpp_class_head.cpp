@@ -199,8 +199,10 @@ void TCPPClassParser::HandleToken() {
     case ctUnion:
     case ctUsing:
     case ctEnum:
-    case ctFriend:
       SkipTo({ctSemicolon});
+      return;
+    case ctFriend:
+      SkipFriendDeclaration();
       return;
     case ctOpenBrace:
       SkipBracket(ctOpenBrace);
@@ -234,6 +236,35 @@ void TCPPClassParser::HandleToken() {
     default:
       ParseMemberDeclaration();
       return;
+  }
+}
+
+// A friend function may be defined in the class, and then its body ends the declaration
+// with no `;` after it; a skip to the next `;` would take the member after it, or run
+// over the `}` that ends the class. So: up to a `;` or past a body, and never over a `}`.
+void TCPPClassParser::SkipFriendDeclaration() {
+  TCPPTokenizer& t = *tokenizer_;
+  for (;;) {
+    const TCursorState before = SaveCursor(t);
+    const int kind = t.NextSignificant();
+    switch (kind) {
+      case ctEndOfText:
+      case ctSemicolon:
+      case ctBraces:
+        return;
+      case ctCloseBrace:  // the class ends here: left for the body's loop to read
+        RestoreCursor(t, before);
+        return;
+      case ctOpenBrace:
+        SkipBracket(ctOpenBrace);
+        return;
+      case ctOpenParen:
+      case ctOpenBracket:
+        SkipBracket(kind);
+        break;
+      default:
+        break;
+    }
   }
 }
 

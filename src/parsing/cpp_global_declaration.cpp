@@ -176,8 +176,13 @@ void TCPPFileParser::ParseGlobalDeclaration() {
   WalkDeclaration(t, TDeclarationScope::File, d);
   if (!d.HasParams || d.Cut) return;
   const TCursorState afterParams = SaveCursor(t);
+  TCursorState beforeKind = afterParams;
   int kind = t.NextSignificant();
-  if (kind == ctConst) kind = t.NextSignificant();
+  if (kind == ctConst) {
+    beforeKind = SaveCursor(t);
+    kind = t.NextSignificant();
+  }
+  PassTrailingSpecifiers(t, kind, beforeKind);
   if (kind == ctOpenBrace) {  // a definition: its body is passed, the function not recorded
     SkipBracket(ctOpenBrace);
     return;

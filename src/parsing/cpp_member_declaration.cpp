@@ -27,8 +27,9 @@ void TCPPClassParser::ParseMemberDeclaration() {
       if (d.IsDestructor) name.insert(0, 1, '~');
     }
 
-    // What follows the parameter list: `const`, then an initializer list with the body,
-    // the body itself (both make the method inline), or `= 0`.
+    // What follows the parameter list: `const` and the specifiers of later C++, then an
+    // initializer list with the body, the body itself (both make the method inline), or
+    // `= 0`.
     uint16_t directives = d.Directives;
     if (t.Kind() != ctSemicolon) {
       TCursorState after = SaveCursor(t);
@@ -38,6 +39,7 @@ void TCPPClassParser::ParseMemberDeclaration() {
         after = SaveCursor(t);
         next = t.NextSignificant();
       }
+      PassTrailingSpecifiers(t, next, after);
       switch (next) {
         case ctColon:
           directives |= DirectiveBit(TDirective::ImplicitInline);

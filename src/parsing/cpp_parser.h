@@ -195,6 +195,7 @@ class TCPPClassParser : public TCPPClassFinderParser {
 
  private:
   void ReadSection(TVisibility visibility);
+  void SkipFriendDeclaration();
   void ParseMemberDeclaration();
   void ParsePropertyDeclaration();
 

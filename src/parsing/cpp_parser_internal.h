@@ -53,6 +53,15 @@ inline void AppendSeparated(std::string& out, std::string_view text, bool blank)
 /// the token that ended the group, or at the end of text.
 bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text);
 
+/// Passes what later C++ writes after a parameter list (and its `const`): `volatile`, the
+/// ref-qualifiers `&` and `&&`, `noexcept` with or without its condition, `throw(...)`, a
+/// trailing return type `-> type`, `override` and `final`, so that what follows them (`;`,
+/// a body, an initializer list, `= 0`) is read as it is without them, and neither the
+/// condition of `noexcept(...)` nor the `decltype(...)` of a trailing type reads as a
+/// method of that name. `next` is the kind at the cursor and `before` the cursor state
+/// just before it; both move on past whatever is passed.
+void PassTrailingSpecifiers(TCPPTokenizer& tokenizer, int& next, TCursorState& before);
+
 /// What the walk over one declaration found.
 struct TDeclaration {
   int32_t StartLine = -1;

@@ -141,6 +141,41 @@ TEST(CppParserTest, Records) {
        .expected = "class \"R\" C++ unit=\"input.h\"\n  property private \"A\" type=\"int\" modifier=\"\" index_params=\"\" index=\"\" read=\"FA\" write=\"\" stored=\"\" default=\"\"\n  field private \"B\" type=\"int\" modifier=\"\"\n"},
       {.text = "class Sk { friend class G; using Base::f; enum E { e1, e2 }; union { int i; float f; }; typedef int (*TFn)(int); int kept; };",
        .expected = "class \"Sk\" C++ unit=\"input.h\"\n  field private \"kept\" type=\"int\" modifier=\"\"\n"},
+      // The specifiers of later C++ after a parameter list are passed: the condition of
+      // `noexcept(...)` and a trailing `decltype(...)` are no methods, and what follows them
+      // still sets its bits.
+      {.text = "class T { void a() noexcept; void b() noexcept(sizeof(int) > 2) { } int c() const & override; auto d(int x) -> decltype(x + 1); virtual void e() final = 0; void f() && noexcept override {} auto g() -> std::map<int, int> override; };",
+       .expected = R"(class "T" C++ unit="input.h"
+  method private function "a" result="void" directives=0x0000
+  method private function "b" result="void" directives=0x2000
+  method private function "c" result="int" directives=0x4000
+  method private function "d" result="auto" directives=0x0000
+    param name="x" modifier="" type="int" default=""
+  method private function "e" result="void" directives=0x0009
+  method private function "f" result="void" directives=0x2000
+  method private function "g" result="auto" directives=0x0000
+)"},
+      // At file level `auto` starts no declaration (a storage class word of old), so `h` has
+      // no result type.
+      {.text = "void g() noexcept; auto h() -> int; int k() const noexcept(true); template <class T> auto m(T t) -> decltype(t.f()) { return t.f(); }",
+       .expected = R"(routine file="input.h"
+  method public function "g" result="void" directives=0x0000
+routine file="input.h"
+  method public function "h" result="" directives=0x0000
+routine file="input.h"
+  method public function "k" result="int" directives=0x0000
+)"},
+      // A friend function defined in the class ends with its body; a friend never runs
+      // over the end of the class.
+      {.text = "class F { friend bool operator==(F a, F b) noexcept { return true; } int after; friend class G; friend void h(F) {} int more; }; class F2 { friend int g() } int z;",
+       .expected = R"(class "F" C++ unit="input.h"
+  field private "after" type="int" modifier=""
+  field private "more" type="int" modifier=""
+class "F2" C++ unit="input.h"
+)"},
+      // Broken input: a trailing type never takes the `}` that ends the class.
+      {.text = "class U { auto f() -> int } int after;",
+       .expected = "class \"U\" C++ unit=\"input.h\"\n  method private function \"f\" result=\"auto\" directives=0x0000\n"},
       {.text = "enum E { A, B }; union U { int i; }; class C {}; struct { int q; } anon; void m() const;",
        .expected = "class \"C\" C++ unit=\"input.h\"\nroutine file=\"input.h\"\n  method public function \"m\" result=\"void\" directives=0x0000\n"},
   };
