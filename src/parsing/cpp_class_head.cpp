@@ -100,7 +100,10 @@ TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDe
       return nullptr;
     }
     if (kind == ctIdentifier) {
-      name = t.TokenView(t.Index());
+      // `class TFoo final : ...`: the word after the name closes the class to derivation
+      // and is no name of its own.
+      const std::string_view word = t.TokenView(t.Index());
+      if (word != "final" || name.empty()) name = word;
     } else if (kind == ctLess) {
       CollectTemplateArguments(t, nullptr);
     } else if (kind == ctOpenParen) {

@@ -11,7 +11,7 @@ using namespace cpp_parser;
 namespace {
 
 // After the first comma of a declarator list: the rest up to the `;`, every run of blanks
-// as one blank, a `{...}` initializer taken whole. Stops before a `}`.
+// as one blank, brace initializers left out. Stops before a `}`.
 void CollectRest(TCPPTokenizer& t, std::string* text, bool& cut) {
   bool blank = false;
   std::string group;
@@ -27,12 +27,49 @@ void CollectRest(TCPPTokenizer& t, std::string* text, bool& cut) {
     if (kind == ctWhitespace || kind == ctLineEnd || t.Index() > before.Index + 1) blank = true;
     if (kind == ctWhitespace || kind == ctLineEnd) continue;
     if (kind == ctOpenBrace) {
-      if (!CollectBracket(t, kind, group, text != nullptr)) return;
-      if (text) AppendSeparated(*text, "{" + group + "}", blank);
+      // A brace initializer (`b{2}`) is passed: it is no part of a name or a type, and
+      // any comma in it separates nothing.
+      if (!CollectBracket(t, kind, group, false)) return;
+    } else if (kind == ctBraces) {
+      // `b{}`: nothing to pass.
     } else if (text) {
       AppendSeparated(*text, t.TokenView(t.Index()), blank);
     }
     blank = false;
+  }
+}
+
+// From the `=` at the cursor: passes the value up to the `,` or `;` that ends it, bracket
+// groups and template argument lists whole. True on a `,` (more declarators follow); false on the `;`, at the end of
+// text, or before a `}`, which is left unread and sets `cut`.
+bool SkipInitializer(TCPPTokenizer& t, bool& cut) {
+  std::string unused;
+  for (;;) {
+    const TCursorState before = SaveCursor(t);
+    const int kind = t.NextSignificant();
+    switch (kind) {
+      case ctComma:
+        return true;
+      case ctSemicolon:
+      case ctEndOfText:
+        return false;
+      case ctCloseBrace:
+        RestoreCursor(t, before);
+        cut = true;
+        return false;
+      case ctOpenParen:
+      case ctOpenBracket:
+      case ctOpenBrace:
+        if (!CollectBracket(t, kind, unused, false)) return false;
+        break;
+      case ctLess:
+        // Most often template arguments (`std::is_same_v<A, B>`), whose commas end
+        // nothing; a comparison runs into the `;` and leaves it to be read.
+        CollectTemplateArguments(t, nullptr);
+        break;
+      default:
+        break;
+    }
   }
 }
 
@@ -120,6 +157,11 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
       case ctParens:
         d.HasParams = true;
         return;
+      case ctAssign:
+        // An initializer (`int x = f(1);`, a member's default value): the declarator is
+        // complete, and the value must not read as a type, a name or a parameter list.
+        if (!SkipInitializer(t, d.Cut)) return;
+        [[fallthrough]];
       case ctComma:
         if (inClass) d.DeclaratorList = true;
         CollectRest(t, inClass ? &d.Rest : nullptr, d.Cut);

@@ -52,11 +52,14 @@ void TCPPClassParser::ParseMemberDeclaration() {
         case ctBraces:
           directives |= DirectiveBit(TDirective::ImplicitInline);
           break;
-        case ctAssign:
-          t.NextSignificant();
-          directives |= DirectiveBit(TDirective::Abstract);
+        case ctAssign: {
+          // `= 0` makes the method abstract; `= default` and `= delete` do not.
+          const int value = t.NextSignificant();
+          if (value != ctDefault && value != ctDelete)
+            directives |= DirectiveBit(TDirective::Abstract);
           SkipTo({ctSemicolon});
           break;
+        }
         case ctOpenParen:  // the arguments of a macro after the parameter list
           SkipBracket(ctOpenParen);
           break;

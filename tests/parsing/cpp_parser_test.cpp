@@ -173,6 +173,25 @@ routine file="input.h"
   field private "more" type="int" modifier=""
 class "F2" C++ unit="input.h"
 )"},
+      // An initializer ends its declarator: a call in it is no routine or method, and the
+      // names of a list with initializers are all fields.
+      {.text = "int x = f(1); char *names[] = { \"a\", \"b\" }; class C { int a = 1, b{2}, c = g(3); double d{0.5}; C() = default; C(const C&) = delete; };",
+       .expected = R"(class "C" C++ unit="input.h"
+  field private "a" type="int" modifier=""
+  field private "b" type="int" modifier=""
+  field private "c" type="int" modifier=""
+  field private "d" type="double" modifier=""
+  method private constructor "C" result="" directives=0x0000
+  method private constructor "C" result="" directives=0x0000
+    param name="" modifier="" type="const C&" default=""
+)"},
+      {.text = "class K { static const bool B = std::is_same_v<X, Y>, C = 1 < 2; int D = a < b; int E; };",
+       .expected = R"(class "K" C++ unit="input.h"
+  field private "B" type="static const bool" modifier=""
+  field private "C" type="static const bool" modifier=""
+  field private "D" type="int" modifier=""
+  field private "E" type="int" modifier=""
+)"},
       // Broken input: a trailing type never takes the `}` that ends the class.
       {.text = "class U { auto f() -> int } int after;",
        .expected = "class \"U\" C++ unit=\"input.h\"\n  method private function \"f\" result=\"auto\" directives=0x0000\n"},
