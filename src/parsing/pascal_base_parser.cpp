@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "parsing/pascal_parser_internal.h"
+#include "support/ansi.h"
 
 namespace velmora {
 
@@ -207,6 +208,34 @@ void LeaveUnlessSemicolon(TPascalBaseParser& p) {
   if (kind != ptSemicolon && kind != tkEndOfText) p.Unread();
 }
 
+bool IsWordAt(const TTokenizer& t, int kind, std::string_view word) {
+  return kind == ptIdentifier && SameText(t.TokenView(t.Index()), word);
+}
+
+bool PassTypeParameters(TTokenizer& t) {
+  // Type parameters are names with constraints (`T: class, constructor; U: TBase`); any
+  // other token ends the attempt. The walk is short, so `a < b` in a long statement
+  // costs a few tokens, never the rest of the text.
+  static constexpr TTokenKindSet kInside = {ptComma, ptSemicolon, ptColon,       ptDot,
+                                            ptClass, ptRecord,    ptConstructor, ptLess};
+  static constexpr int kLongest = 64;
+  const TTokenizer::TCursorState start = t.SaveCursor();
+  int depth = 1;
+  for (int n = 0; n < kLongest; ++n) {
+    const int kind = t.NextSignificant();
+    if (kind == ptGreater || kind == ptGreaterEqual) {
+      if (--depth == 0) return true;
+      if (kind == ptGreaterEqual) break;  // `=` inside the list: not one
+    } else if (kind == ptLess) {
+      ++depth;
+    } else if (!IsNameKind(kind) && !kInside.Contains(kind)) {
+      break;
+    }
+  }
+  t.RestoreCursor(start);
+  return false;
+}
+
 bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
                         TRoutineHeading& heading) {
   TTokenizer& t = p.Cursor();
@@ -214,6 +243,9 @@ bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
   t.NextSignificant();
   heading.Name = t.Text();
   int kind = t.NextSignificant();
+  // A generic method (`procedure Add<T>(const Item: T)`): the type parameters are no part
+  // of the name or of the parameters.
+  if (kind == ptLess && PassTypeParameters(t)) kind = t.NextSignificant();
   if (kind == ptDot) {
     p.SkipTo(kSemicolon);
     return false;

@@ -67,6 +67,15 @@ std::string ReadTypeName(TTokenizer& t);
 /// token (a missing `;`), that token is left for the loop to read as what it is.
 void LeaveUnlessSemicolon(TPascalBaseParser& p);
 
+/// With the cursor on a `<` after a name: passes a generic's type parameter list
+/// (`TList<T>`, `TDict<K, V: class; W>`, nested `<...>`) and returns true with the cursor
+/// on its closing `>`, or on a `>=` that also stands for the `=` after it (`TList<T>=`).
+/// Returns false with the cursor unmoved when what follows cannot be one: `a < b` in a
+/// statement.
+bool PassTypeParameters(TTokenizer& t);
+/// Whether the token at the cursor, of kind `kind`, is the identifier `word` in any case.
+bool IsWordAt(const TTokenizer& t, int kind, std::string_view word);
+
 /// What a procedure or function heading declares after its kind word.
 struct TRoutineHeading {
   std::string Name;

@@ -21,6 +21,10 @@ std::vector<std::string> ReadAncestors(TTokenizer& t) {
   std::vector<std::string> names;
   bool qualified = false;
   for (int kind = t.NextSignificant();; kind = t.NextSignificant()) {
+    // A generic ancestor (`TList<T>`, `specialize TFPGList<TFoo>`) is named by its
+    // generic's name: its type arguments are no ancestors.
+    if (kind == ptLess && PassTypeParameters(t)) continue;
+    if (IsWordAt(t, kind, "specialize")) continue;
     if (IsNameKind(kind)) {
       if (qualified && !names.empty())
         names.back() = t.Text();
@@ -45,10 +49,25 @@ namespace pascal_parser {
 void ParseTypeDeclaration(TPascalFileParser& p) {
   TTokenizer& t = p.Cursor();
   // Every name of the unit comes here, so the cheap test goes first.
-  if (PeekSignificant(t) != ptEqual) return;
+  const int after = PeekSignificant(t);
+  if (after != ptEqual && after != ptLess) return;
   const TSpot start = Here(t);
   const std::string name = t.Text();
-  t.NextSignificant();
+  const TTokenizer::TCursorState atName = t.SaveCursor();
+  if (after == ptLess) {
+    // A generic (`TList<T> = class`) is recorded under its plain name.
+    t.NextSignificant();
+    if (!PassTypeParameters(t)) {
+      t.RestoreCursor(atName);
+      return;
+    }
+    if (t.Kind() != ptGreaterEqual && t.NextSignificant() != ptEqual) {
+      t.RestoreCursor(atName);
+      return;
+    }
+  } else {
+    t.NextSignificant();
+  }
   int kind = t.NextSignificant();
   if (kind == ptPacked) kind = t.NextSignificant();
   TClassKind classKind;
@@ -72,6 +91,8 @@ void ParseTypeDeclaration(TPascalFileParser& p) {
       return;
   }
   kind = t.NextSignificant();
+  // `class sealed` and `class abstract` say how the class may be used, not what it is.
+  while (kind == ptAbstract || IsWordAt(t, kind, "sealed")) kind = t.NextSignificant();
   if (kind == ptOf || kind == ptSemicolon) return;  // `class of TFoo;` and `class;`
   std::vector<std::string> ancestors;
   if (kind == ptOpenParen) ancestors = ReadAncestors(t);

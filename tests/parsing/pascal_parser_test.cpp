@@ -227,6 +227,20 @@ TEST(PascalParserTest, TypeDeclarationHeads) {
       // An ancestor list missing its `)` ends at the first member.
       {.text = "type T = class(TFoo procedure M; end;",
        .expected = "class T(TFoo)\nmethod published procedure M() 0x0000"},
+      // Generics go by their plain names; type arguments are no ancestors, and neither is
+      // `specialize`. `sealed` and `abstract` pass.
+      {.text = "type TList<T> = class(TEnumerable<T>, IList<T>) procedure Add<U>(const X: U); end;",
+       .expected = "class TList(TEnumerable, IList)\nmethod published procedure Add(const X: U) 0x0000"},
+      {.text = "type TMap<K, V: class; W: record>=class abstract(TBase) end; "
+               "generic TVec<T> = class sealed(specialize TFPGList<T>) end;",
+       .expected = "class TMap(TBase)\nclass TVec(TFPGList)"},
+      {.text = "type IGet<T> = interface ['{1}'] function Get<T>: T; end; "
+               "function Max<T>(A, B: T): T;",
+       .expected = "interface IGet {1}\nmethod published function Get(): T 0x0000\n"
+                   "routine function Max(A: T; B: T): T 0x0000"},
+      // A comparison is no type parameter list.
+      {.text = "implementation procedure P; begin if A < B then C := D; X := Y <> Z; end;",
+       .expected = ""},
   };
   for (const TModelCase& c : cases) EXPECT_EQ(Describe(c.text), c.expected) << c.text;
 }
