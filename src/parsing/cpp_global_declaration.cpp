@@ -73,6 +73,42 @@ bool SkipInitializer(TCPPTokenizer& t, bool& cut) {
   }
 }
 
+// Words of later C++ that take an argument group and are no names: the group must not read
+// as a parameter list.
+enum class TWordRole {
+  Name,
+  Assertion,  // static_assert(...): the declaration declares nothing
+  Attribute,  // alignas(...), __attribute__((...)): passed
+  TypeOf,     // decltype(...): part of the type
+};
+
+TWordRole RoleOf(std::string_view word) {
+  if (word == "static_assert") return TWordRole::Assertion;
+  if (word == "alignas" || word == "__attribute__" || word == "__attribute")
+    return TWordRole::Attribute;
+  if (word == "decltype") return TWordRole::TypeOf;
+  return TWordRole::Name;
+}
+
+// At a word of `role` (not Name): when a `(` group follows, passes it (a decltype's word
+// and group joining `type`) and returns true with the cursor on the group's `)`. Otherwise
+// the cursor stays and the word reads as a name.
+bool PassWordArguments(TCPPTokenizer& t, TWordRole role, std::string& type, bool blank) {
+  const TCursorState word = SaveCursor(t);
+  const std::string_view text = t.TokenView(t.Index());
+  const int next = t.NextSignificant();
+  if (next != ctOpenParen && next != ctParens) {
+    RestoreCursor(t, word);
+    return false;
+  }
+  std::string group;
+  if (next == ctOpenParen && !CollectBracket(t, next, group, role == TWordRole::TypeOf)) {
+    return true;  // ran to the end of the text
+  }
+  if (role == TWordRole::TypeOf) AppendSeparated(type, std::string(text) + "(" + group + ")", blank);
+  return true;
+}
+
 // From `operator` on: the symbol is the next token and whatever touches it up to the
 // parameter list (`==`, `()`, `new[]`, a conversion's type), written without blanks.
 void ReadOperator(TCPPTokenizer& t, TDeclaration& d) {
@@ -136,12 +172,25 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
       case ctLineEnd:
         blank = true;
         break;
-      case ctIdentifier:
+      case ctIdentifier: {
+        const TWordRole role = RoleOf(t.TokenView(t.Index()));
+        if (role == TWordRole::Assertion) {
+          // `static_assert(...);` declares nothing.
+          d.Type.clear();
+          d.Name.clear();
+          CollectRest(t, nullptr, d.Cut);
+          return;
+        }
+        if (role != TWordRole::Name && PassWordArguments(t, role, d.Type, blank)) {
+          blank = false;
+          break;
+        }
         flushName();
         d.Name = t.TokenView(t.Index());
         nameBlank = blank;
         blank = false;
         break;
+      }
       case ctOperator:
         flushName();
         ReadOperator(t, d);

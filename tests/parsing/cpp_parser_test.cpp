@@ -192,6 +192,15 @@ class "F2" C++ unit="input.h"
   field private "D" type="int" modifier=""
   field private "E" type="int" modifier=""
 )"},
+      // Words of later C++ that take a group are no methods or routines: static_assert
+      // declares nothing, alignas and __attribute__ pass, decltype is part of the type.
+      {.text = "class A { static_assert(sizeof(int) == 4, \"int\"); alignas(16) char Buf[16]; decltype(1 + 2) Y; int Z __attribute__((aligned(8))); __attribute__((deprecated)) void G(); }; static_assert(true, \"x\");",
+       .expected = R"x(class "A" C++ unit="input.h"
+  field private "Buf" type="char" modifier="[16]"
+  field private "Y" type="decltype(1 + 2)" modifier=""
+  field private "Z" type="int" modifier=""
+  method private function "G" result="void" directives=0x0000
+)x"},
       // Broken input: a trailing type never takes the `}` that ends the class.
       {.text = "class U { auto f() -> int } int after;",
        .expected = "class \"U\" C++ unit=\"input.h\"\n  method private function \"f\" result=\"auto\" directives=0x0000\n"},
