@@ -5,9 +5,31 @@
 
 #include "model/class_list.h"
 #include "parsing/pascal_parser_internal.h"
+#include "support/ansi.h"
 
 namespace velmora {
 namespace pascal_parser {
+
+namespace {
+
+// A typed constant in a class's `const` section, or a `class var` with a starting value,
+// writes `= value` after its type (`array[1..2] of Integer = (1, 2)`): the type ends there.
+// An `=` inside brackets belongs to a parameter's default value or a constant expression.
+std::string WithoutInitialValue(const std::string& type) {
+  int depth = 0;
+  bool quoted = false;
+  for (size_t i = 0; i < type.size(); ++i) {
+    const char c = type[i];
+    if (c == '\'') quoted = !quoted;
+    if (quoted) continue;
+    if (c == '(' || c == '[') ++depth;
+    if ((c == ')' || c == ']') && depth > 0) --depth;
+    if (c == '=' && depth == 0) return std::string(Trim(std::string_view(type).substr(0, i)));
+  }
+  return type;
+}
+
+}  // namespace
 
 void ParseFieldDeclaration(TPascalClassParser& p) {
   TTokenizer& t = p.Cursor();
@@ -45,6 +67,7 @@ void ParseFieldDeclaration(TPascalClassParser& p) {
     if (PeekSignificant(t) == ptSemicolon) t.NextSignificant();
   } else {
     p.ReadTo(ptSemicolon, type, &kMemberBoundary);
+    type = WithoutInitialValue(type);
   }
   const TSpot end = Here(t);
 

@@ -308,6 +308,12 @@ TEST(PascalParserTest, VisibilityFieldsAndProperties) {
        .expected = "field published R: record\nfield published S: record\nfield published T: Byte"},
       {.text = "FOnX: procedure(Sender: TObject; X: Integer) of object;",
        .expected = "field published FOnX: procedure(Sender: TObject; X: Integer) of object"},
+      // A typed constant or a starting value ends the type; an `=` in brackets does not.
+      {.text = "const Counts: array[1..2] of Integer = (2, 2); class var N: Integer = 5; "
+               "FOnY: procedure(A: Integer = 1);",
+       .expected = "field published Counts: array[1..2] of Integer\n"
+                   "field published N: Integer\n"
+                   "field published FOnY: procedure(A: Integer = 1)"},
       // A field missing its `;` ends at the next member; `strict` alone records nothing.
       {.text = "FA: Integer\nproperty P: Integer; strict private FB: Byte;",
        .expected = "field published FA: Integer\nproperty published P: Integer\n"
