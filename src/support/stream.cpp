@@ -46,7 +46,7 @@ bool TStream::TryReadBool(bool& value) {
   return true;
 }
 
-bool TStream::TryReadString(std::string& value, uint32_t maxLength) {
+bool TStream::TryReadStringSlow(std::string& value, uint32_t maxLength) {
   uint32_t count;
   if (!TryReadU32(count)) return false;
   if (count > maxLength || static_cast<int64_t>(count) > Remaining()) {
