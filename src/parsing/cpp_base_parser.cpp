@@ -305,6 +305,47 @@ bool IsWordAt(const TCPPTokenizer& t, int kind, std::string_view word) {
   return kind == ctIdentifier && t.TokenView(t.Index()) == word;
 }
 
+// Spelled as macros are: upper case with digits and underscores (`Q_DECL_CONST_FUNCTION`,
+// `DYNAMIC`), or beginning with two underscores (`__THROW`, `__wur`).
+bool LooksLikeMacro(std::string_view word) {
+  if (word.size() < 2) return false;
+  if (word.starts_with("__")) return true;
+  bool letter = false;
+  for (const char c : word) {
+    if (c >= 'A' && c <= 'Z')
+      letter = true;
+    else if (!(c >= '0' && c <= '9') && c != '_')
+      return false;
+  }
+  return letter;
+}
+
+// What may stand after an annotation macro behind a parameter list: the end of the
+// declaration, its body, `= 0`, or more of what PassTrailingSpecifiers passes. Not a
+// `:`: after a call-like macro with no `;` (`QT_DECLARE_X(Foo)`) a `Q_SIGNALS:` or
+// `PUBLISHED:` opens a section, and taking it for an initializer list would pass the
+// members up to the next body.
+bool CanFollowAnnotation(const TCPPTokenizer& t, int kind) {
+  switch (kind) {
+    case ctSemicolon:
+    case ctOpenBrace:
+    case ctBraces:
+    case ctAssign:
+    case ctThrow:
+    case ctArrow:
+    case ctVolatile:
+    case ctAmpersand:
+    case ctLogicalAnd:
+      return true;
+    case ctIdentifier: {
+      const std::string_view word = t.TokenView(t.Index());
+      return word == "noexcept" || word == "override" || word == "final" || LooksLikeMacro(word);
+    }
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 void PassTrailingSpecifiers(TCPPTokenizer& t, int& next, TCursorState& before) {
@@ -323,8 +364,8 @@ void PassTrailingSpecifiers(TCPPTokenizer& t, int& next, TCursorState& before) {
     return true;
   };
   for (;;) {
-    if (next == ctVolatile || next == ctAmpersand || next == ctLogicalAnd || IsWordAt(t, next, "override") ||
-        IsWordAt(t, next, "final")) {
+    if (next == ctVolatile || next == ctAmpersand || next == ctLogicalAnd ||
+        IsWordAt(t, next, "override") || IsWordAt(t, next, "final")) {
       step();
     } else if (next == ctThrow || IsWordAt(t, next, "noexcept")) {
       step();
@@ -345,6 +386,24 @@ void PassTrailingSpecifiers(TCPPTokenizer& t, int& next, TCursorState& before) {
         } else {
           step();
         }
+      }
+    } else if (next == ctIdentifier && LooksLikeMacro(t.TokenView(t.Index()))) {
+      // An annotation macro (`Q_DECL_PURE_FUNCTION`, `__THROW __nonnull ((1))`), passed
+      // only when what follows it can end the declaration: a declaration missing its `;`
+      // before a macro-named one does not take that one.
+      const TCursorState atMacro = SaveCursor(t);
+      const TCursorState beforeMacro = before;
+      step();
+      if (next == ctParens) {
+        step();
+      } else if (next == ctOpenParen && !passGroup()) {
+        return;
+      }
+      if (!CanFollowAnnotation(t, next)) {
+        RestoreCursor(t, atMacro);
+        before = beforeMacro;
+        next = ctIdentifier;
+        return;
       }
     } else {
       return;
