@@ -1,4 +1,4 @@
-// A header in the style of later C++: exception specifications, trailing return types,
+// A header in the style of later C++: noexcept and throw() clauses, trailing return types,
 // ref-qualifiers, override and final, and friend operators defined in the class.
 #pragma once
 
