@@ -107,6 +107,13 @@ TPascalClassParser::TPascalClassParser(TPascalClassFinderParser& outer, TClassDe
 void TPascalClassParser::HandleToken() {
   TTokenizer& t = Cursor();
   const int kind = t.Kind();
+  if (kind == ptType || kind == ptConst) {
+    InTypeSection = true;
+    return;
+  }
+  if (kind == ptVar || kind == ptProperty || kind == ptClass || IsMethodWord(kind) ||
+      IsVisibilityWord(kind))
+    InTypeSection = false;
   switch (kind) {
     case ptClass:
     case ptProcedure:
@@ -147,7 +154,19 @@ void TPascalClassParser::HandleToken() {
     ParseDirective(*this);
   } else {
     LastMethod = nullptr;
-    if (IsNameKind(kind)) ParseFieldDeclaration(*this);
+    if (!IsNameKind(kind)) return;
+    const int after = PeekSignificant(t);
+    if (InTypeSection && (after == ptEqual || after == ptLess)) {
+      // A name given a type or a value in the class's own `type` or `const` section:
+      // `TInner = class ... end;` is a nested class, whose `end` must not end this one.
+      // Outside such a section a name and `=` are broken input (a class body that lost
+      // its `end`), and are left to the field reader as before.
+      ParseTypeDeclaration(*this, Owner);
+      // A nested body missing its `end` stops at `implementation`, and so does this one.
+      if (t.Kind() == ptImplementation) Stopped = true;
+    } else {
+      ParseFieldDeclaration(*this);
+    }
   }
 }
 

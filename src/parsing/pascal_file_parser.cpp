@@ -70,7 +70,7 @@ void TPascalFileParser::HandleToken() {
   TTokenizer& t = Cursor();
   const int kind = t.Kind();
   if (IsNameKind(kind)) {
-    ParseTypeDeclaration(*this);
+    ParseTypeDeclaration(*this, nullptr);
     // A class body missing its `end` stops at `implementation`, which is then still
     // this level's to handle.
     if (t.Kind() == ptImplementation) EnterImplementation();

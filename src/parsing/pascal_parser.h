@@ -154,6 +154,9 @@ class TPascalClassParser : public TPascalClassFinderParser {
   TMethodDescription* LastMethod = nullptr;
   /// The current section; published until the first visibility word.
   TVisibility Visibility;
+  /// In a `type` or `const` section of the body, where `Name = ...` declares a nested
+  /// type or a constant; a visibility word or a member of another kind ends it.
+  bool InTypeSection = false;
 
  protected:
   void HandleToken() override;

@@ -92,9 +92,11 @@ bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
 
 // Readers, each called with the cursor on the word that starts its construct.
 
-/// At a name at file level: `Name = [packed] class|interface|dispinterface ...`; records
-/// the class and reads its body. Anything else records nothing.
-void ParseTypeDeclaration(TPascalFileParser& p);
+/// At a name at file level, or in a class body (`outer`) where a `type` or `const` section
+/// declares it: `Name = [packed] class|interface|dispinterface|object ...`; records the
+/// class (in `outer`'s nested classes when given) and reads its body. Anything else
+/// records nothing.
+void ParseTypeDeclaration(TPascalClassFinderParser& p, TClassDescription* outer);
 /// At `procedure` or `function` at file level.
 void ParseRoutineDeclaration(TPascalFileParser& p);
 /// At `class`, `procedure`, `function`, `constructor` or `destructor` in a class body.

@@ -1,6 +1,7 @@
-// Type declaration heads at unit level: `TFoo = [packed] class(TBar, IBaz)`, interfaces
-// and dispatch interfaces. Only these are recorded; records, enumerations, aliases,
-// procedural types, class references (`class of`) and forward declarations are not.
+// Type declaration heads at unit level and in a class's type sections: `TFoo = [packed]
+// class(TBar, IBaz)`, interfaces, dispatch interfaces and object types. Only these are
+// recorded; records, enumerations, aliases, procedural types, class references
+// (`class of`) and forward declarations are not.
 #include <vector>
 
 #include "model/class_list.h"
@@ -46,7 +47,7 @@ std::vector<std::string> ReadAncestors(TTokenizer& t) {
 
 namespace pascal_parser {
 
-void ParseTypeDeclaration(TPascalFileParser& p) {
+void ParseTypeDeclaration(TPascalClassFinderParser& p, TClassDescription* outer) {
   TTokenizer& t = p.Cursor();
   // Every name of the unit comes here, so the cheap test goes first.
   const int after = PeekSignificant(t);
@@ -73,6 +74,7 @@ void ParseTypeDeclaration(TPascalFileParser& p) {
   TClassKind classKind;
   switch (kind) {
     case ptClass:
+    case ptObject:  // the object types of old: classes as far as a browser is concerned
       classKind = TClassKind::Class;
       break;
     case ptInterface:
@@ -86,8 +88,13 @@ void ParseTypeDeclaration(TPascalFileParser& p) {
       p.CollectBracket(ptRecord, nullptr);
       return;
     default:
-      // Not a class; whatever follows `=` is read again by the loop.
-      p.Unread();
+      // Not a class. At unit level whatever follows `=` is read again by the loop; in a
+      // class's type section the declaration is passed whole, so that an enumeration's
+      // names or a constant's value are not read as members.
+      if (outer)
+        p.SkipTo(kSemicolon);
+      else
+        p.Unread();
       return;
   }
   kind = t.NextSignificant();
@@ -97,8 +104,12 @@ void ParseTypeDeclaration(TPascalFileParser& p) {
   std::vector<std::string> ancestors;
   if (kind == ptOpenParen) ancestors = ReadAncestors(t);
 
-  TClassDescription* c = p.Target->FindOrAdd(name, TLanguage::Pascal);
-  if (!c) return;
+  TCommonClassList* list = outer ? outer->NestedClasses() : p.Target;
+  TClassDescription* c = list->FindOrAdd(name, TLanguage::Pascal);
+  if (!c) {  // a reference list holds no classes of its own: the body is still passed
+    if (t.Kind() != ptSemicolon) p.CollectBracket(ptRecord, nullptr);
+    return;
+  }
   // Refilled from scratch: what the declaration no longer says must not survive. The
   // members are kept for the caller's mark and sweep.
   c->ClassKind = classKind;
