@@ -246,6 +246,9 @@ bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
   // A generic method (`procedure Add<T>(const Item: T)`): the type parameters are no part
   // of the name or of the parameters.
   if (kind == ptLess && PassTypeParameters(t)) kind = t.NextSignificant();
+  // `procedure Foo{$IFDEF D}(const Why: string){$ENDIF};`: every branch is read, as
+  // everywhere, so the parameters count; left in place they would read as a field.
+  while (kind == ptCompilerDirective) kind = t.NextSignificant();
   if (kind == ptDot) {
     p.SkipTo(kSemicolon);
     return false;
@@ -253,6 +256,7 @@ bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
   if (kind == ptOpenParen) {
     p.CollectBracket(ptOpenParen, &heading.ParamText);
     kind = t.NextSignificant();
+    while (kind == ptCompilerDirective) kind = t.NextSignificant();
   }
   if (kind == ptColon) {
     const int next = PeekSignificant(t);

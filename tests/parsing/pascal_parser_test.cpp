@@ -251,6 +251,11 @@ TEST(PascalParserTest, MethodsAndDirectives) {
   const TModelCase cases[] = {
       {.text = "procedure Paint; override;",
        .expected = "method published procedure Paint() 0x0004"},
+      // Conditional directives inside a heading: every branch is read, no field appears.
+      {.text = "procedure A{$IFDEF X}(const Why: string){$ENDIF}; "
+               "function C{$IFDEF Y}(N: Integer){$ENDIF}: Integer; virtual;",
+       .expected = "method published procedure A(const Why: string) 0x0000\n"
+                   "method published function C(N: Integer): Integer 0x0001"},
       {.text = "procedure WMSize(var Msg: TWMSize); message WM_SIZE;",
        .expected = "method published procedure WMSize(var Msg: TWMSize) 0x0010 message WM_SIZE"},
       {.text = "procedure M; message WM_USER + 1;",
