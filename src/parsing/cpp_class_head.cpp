@@ -10,6 +10,14 @@ using namespace cpp_parser;
 
 namespace {
 
+// The kind of the next significant token; the cursor stays where it is.
+int PeekSignificant(TCPPTokenizer& t) {
+  const TCursorState here = SaveCursor(t);
+  const int kind = t.NextSignificant();
+  RestoreCursor(t, here);
+  return kind;
+}
+
 // Reads the base clause from the `:` at the cursor up to the body. Access is private until
 // a keyword says otherwise, also for a struct; of a qualified name the last identifier
 // wins (`ns::Base` gives `Base`), and template arguments are no names of their own. Ends
@@ -237,6 +245,12 @@ void TCPPClassParser::HandleToken() {
       ParsePropertyDeclaration();
       return;
     default:
+      // `Q_SIGNALS:`, `slots:`: a word and a colon mark a section for a framework, are no
+      // member, and leave the visibility as it was.
+      if (kind == ctIdentifier && PeekSignificant(t) == ctColon) {
+        t.NextSignificant();
+        return;
+      }
       ParseMemberDeclaration();
       return;
   }
@@ -276,7 +290,11 @@ void TCPPClassParser::ReadSection(TVisibility visibility) {
   const int32_t line = LineHere(t);
   const int32_t offset = t.Offset();
   const TCursorState keyword = SaveCursor(t);
-  if (t.NextSignificant() != ctColon) {
+  int next = t.NextSignificant();
+  // `public slots:`, `protected Q_SLOTS:`: a word between the keyword and the colon marks
+  // the section for a framework and leaves its visibility as the keyword says.
+  if (next == ctIdentifier && PeekSignificant(t) == ctColon) next = t.NextSignificant();
+  if (next != ctColon) {
     // Not a section label; whatever follows the word is read as usual.
     RestoreCursor(t, keyword);
     return;

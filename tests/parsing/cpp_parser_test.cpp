@@ -202,20 +202,28 @@ class "F2" C++ unit="input.h"
   method private function "G" result="void" directives=0x0000
 )x"},
       // Annotation macros after a parameter list pass when the declaration ends after
-      // them; a section macro's colon is never taken for an initializer list (the unknown
-      // section word then joins the next result type, as any unknown word does), and a
-      // macro that ends nothing starts the next declaration.
+      // them; a section macro's colon is never taken for an initializer list (the section
+      // word and its colon are passed), and a macro that ends nothing starts the next
+      // declaration.
       {.text = "extern int f(const char *s) __THROW __nonnull ((1)); class Q { int g() const Q_DECL_PURE_FUNCTION; QT_DECLARE_X(Q)\nQ_SIGNALS: void changed(); int h() NOT_A_MACRO_END int kept; };",
        .expected = R"x(class "Q" C++ unit="input.h"
   field private "kept" type="NOT_A_MACRO_END int" modifier=""
   method private function "QT_DECLARE_X" result="" directives=0x0000
     param name="" modifier="" type="Q" default=""
-  method private function "changed" result="Q_SIGNALS: void" directives=0x0000
+  method private function "changed" result="void" directives=0x0000
   method private function "g" result="int" directives=0x4000
   method private function "h" result="int" directives=0x0000
 routine file="input.h"
   method public function "f" result="int" directives=0x0000
     param name="s" modifier="" type="const char *" default=""
+)x"},
+      // Framework section words: `public slots:` is a public section; `signals:` alone
+      // leaves the visibility as it was.
+      {.text = "class S { public slots: void a(); signals: void b(); protected Q_SLOTS: void c(); };",
+       .expected = R"x(class "S" C++ unit="input.h"
+  method public function "a" result="void" directives=0x0000
+  method public function "b" result="void" directives=0x0000
+  method protected function "c" result="void" directives=0x0000
 )x"},
       // Broken input: a trailing type never takes the `}` that ends the class.
       {.text = "class U { auto f() -> int } int after;",
