@@ -85,6 +85,9 @@ void TCPPFileParser::HandleToken() {
     case ctOpenParen:
       SkipBracket(ctOpenParen);
       return;
+    case ctOpenBracket:  // `[[nodiscard]]` before a declaration: the group is passed
+      SkipBracket(ctOpenBracket);
+      return;
     default:
       if (IsKnownMacro())
         SkipMacro();

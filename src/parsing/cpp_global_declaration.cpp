@@ -222,15 +222,21 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
         }
         SkipTo(t, {ctOpenBrace, ctBraces, ctSemicolon});
         return;
-      case ctOpenBracket:
-        if (inClass) {
-          CollectBracket(t, kind, group, true);
-          d.ArraySuffix += "[" + std::string(Trim(group)) + "]";
+      case ctOpenBracket: {
+        CollectBracket(t, kind, group, true);
+        const std::string_view inside = Trim(group);
+        // `[[nodiscard]]`, `[[deprecated("...")]]`: an attribute, passed wherever it stands.
+        if (inside.size() >= 2 && inside.front() == '[' && inside.back() == ']') {
+          blank = true;
           break;
         }
-        CollectBracket(t, kind, group, false);
+        if (inClass) {
+          d.ArraySuffix += "[" + std::string(inside) + "]";
+          break;
+        }
         SkipTo(t, {ctOpenBrace, ctBraces, ctSemicolon});
         return;
+      }
       case ctOpenBrace:
         CollectBracket(t, kind, group, false);
         return;

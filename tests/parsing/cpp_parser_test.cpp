@@ -217,6 +217,15 @@ routine file="input.h"
   method public function "f" result="int" directives=0x0000
     param name="s" modifier="" type="const char *" default=""
 )x"},
+      // Attributes pass wherever they stand.
+      {.text = "[[nodiscard]] int f(); class A { [[deprecated(\"old\")]] int Y; [[nodiscard]] int F() const; int Z[2]; };",
+       .expected = R"x(class "A" C++ unit="input.h"
+  field private "Y" type="int" modifier=""
+  field private "Z" type="int" modifier="[2]"
+  method private function "F" result="int" directives=0x4000
+routine file="input.h"
+  method public function "f" result="int" directives=0x0000
+)x"},
       // Framework section words: `public slots:` is a public section; `signals:` alone
       // leaves the visibility as it was.
       {.text = "class S { public slots: void a(); signals: void b(); protected Q_SLOTS: void c(); };",
