@@ -39,40 +39,6 @@ void CollectRest(TCPPTokenizer& t, std::string* text, bool& cut) {
   }
 }
 
-// From the `=` at the cursor: passes the value up to the `,` or `;` that ends it, bracket
-// groups and template argument lists whole. True on a `,` (more declarators follow); false on the `;`, at the end of
-// text, or before a `}`, which is left unread and sets `cut`.
-bool SkipInitializer(TCPPTokenizer& t, bool& cut) {
-  std::string unused;
-  for (;;) {
-    const TCursorState before = SaveCursor(t);
-    const int kind = t.NextSignificant();
-    switch (kind) {
-      case ctComma:
-        return true;
-      case ctSemicolon:
-      case ctEndOfText:
-        return false;
-      case ctCloseBrace:
-        RestoreCursor(t, before);
-        cut = true;
-        return false;
-      case ctOpenParen:
-      case ctOpenBracket:
-      case ctOpenBrace:
-        if (!CollectBracket(t, kind, unused, false)) return false;
-        break;
-      case ctLess:
-        // Most often template arguments (`std::is_same_v<A, B>`), whose commas end
-        // nothing; a comparison runs into the `;` and leaves it to be read.
-        CollectTemplateArguments(t, nullptr);
-        break;
-      default:
-        break;
-    }
-  }
-}
-
 // Words of later C++ that take an argument group and are no names: the group must not read
 // as a parameter list.
 enum class TWordRole {
@@ -138,6 +104,39 @@ void ReadOperator(TCPPTokenizer& t, TDeclaration& d) {
 }  // namespace
 
 namespace cpp_parser {
+
+// Stops at the `,` or `;` at the outer level only: a value is often a call or a list.
+bool SkipInitializer(TCPPTokenizer& t, bool& cut) {
+  std::string unused;
+  for (;;) {
+    const TCursorState before = SaveCursor(t);
+    const int kind = t.NextSignificant();
+    switch (kind) {
+      case ctComma:
+        return true;
+      case ctSemicolon:
+      case ctEndOfText:
+        return false;
+      case ctCloseBrace:
+        RestoreCursor(t, before);
+        cut = true;
+        return false;
+      case ctOpenParen:
+      case ctOpenBracket:
+      case ctOpenBrace:
+        if (!CollectBracket(t, kind, unused, false)) return false;
+        break;
+      case ctLess:
+        // Most often template arguments (`std::is_same_v<A, B>`), whose commas end
+        // nothing; a comparison runs into the `;` and leaves it to be read.
+        CollectTemplateArguments(t, nullptr);
+        break;
+      default:
+        break;
+    }
+  }
+}
+
 
 void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d) {
   const bool inClass = scope == TDeclarationScope::Class;

@@ -10,12 +10,66 @@ namespace velmora {
 
 using namespace cpp_parser;
 
+namespace {
+
+bool IsNameChar(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+// With the cursor on the `)` that closed `(*Name)` or `(__closure *Name)`: reads the
+// parameter list of the function pointed to and turns `d` into the field declaration
+// (name from the brackets, type `void (__closure *)(TObject *Sender)`). False, with the
+// cursor unmoved, when the brackets hold no pointer or no name, or no parameter list
+// follows.
+bool ReadFunctionPointer(TCPPTokenizer& t, TDeclaration& d) {
+  const std::string_view inner = Trim(d.Params);
+  if (inner.empty() || !IsNameChar(inner.back()) ||
+      inner.find_first_of("*&^") == std::string_view::npos)
+    return false;
+  size_t nameStart = inner.size();
+  while (nameStart > 0 && IsNameChar(inner[nameStart - 1])) --nameStart;
+  if (nameStart == 0 || (inner[nameStart] >= '0' && inner[nameStart] <= '9')) return false;
+  const TCursorState after = SaveCursor(t);
+  std::string args;
+  const int next = t.NextSignificant();
+  if (next == ctOpenParen) {
+    if (!CollectBracket(t, next, args, true)) {
+      RestoreCursor(t, after);
+      return false;
+    }
+  } else if (next != ctParens) {
+    RestoreCursor(t, after);
+    return false;
+  }
+  d.Name = std::string(inner.substr(nameStart));
+  d.Type = std::string(Trim(d.Type)) + " (" + std::string(Trim(inner.substr(0, nameStart))) +
+           ")(" + std::string(Trim(args)) + ")";
+  d.Params.clear();
+  d.HasParams = false;
+  // On to the `;` (passing a `= nullptr`), never over the `}` that ends the class.
+  const TCursorState beforeEnd = SaveCursor(t);
+  const int end = t.NextSignificant();
+  if (end == ctAssign) {
+    SkipInitializer(t, d.Cut);
+  } else if (end != ctSemicolon) {
+    RestoreCursor(t, beforeEnd);
+  }
+  return true;
+}
+
+}  // namespace
+
 void TCPPClassParser::ParseMemberDeclaration() {
   TCPPTokenizer& t = *tokenizer_;
   TDeclaration d;
   WalkDeclaration(t, TDeclarationScope::Class, d);
   if (d.Cut) return;
 
+  if (d.HasParams && d.Name.empty() && !d.IsOperator) {
+    // `void (__closure *FOnClick)(TObject *Sender);`: not a method but a field that
+    // points to one, its name in the first brackets.
+    if (!ReadFunctionPointer(t, d)) return;
+  }
   if (d.HasParams) {
     if (d.Name.empty()) return;
     std::string name = std::move(d.Name);

@@ -62,6 +62,12 @@ bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text);
 /// just before it; both move on past whatever is passed.
 void PassTrailingSpecifiers(TCPPTokenizer& tokenizer, int& next, TCursorState& before);
 
+/// From the `=` at the cursor: passes the value up to the `,` or `;` that ends it, bracket
+/// groups and template argument lists whole. True on a `,` (more declarators follow);
+/// false on the `;`, at the end of text, or before a `}`, which is left unread and sets
+/// `cut`.
+bool SkipInitializer(TCPPTokenizer& tokenizer, bool& cut);
+
 /// What the walk over one declaration found.
 struct TDeclaration {
   int32_t StartLine = -1;

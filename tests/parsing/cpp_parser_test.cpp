@@ -217,6 +217,16 @@ routine file="input.h"
   method public function "f" result="int" directives=0x0000
     param name="s" modifier="" type="const char *" default=""
 )x"},
+      // A pointer to a function is a field named in the first brackets; a missing `;`
+      // before the class's end costs nothing else.
+      {.text = "class T { void (__closure *FOnClick)(TObject *Sender); int (*Fp)(int) = nullptr; void (*Cb)(); int (__fastcall *)(int); }; class U { int (*G)(int) = F } int after;",
+       .expected = R"x(class "T" C++ unit="input.h"
+  field private "FOnClick" type="void (__closure *)(TObject *Sender)" modifier=""
+  field private "Fp" type="int (*)(int)" modifier=""
+  field private "Cb" type="void (*)()" modifier=""
+class "U" C++ unit="input.h"
+  field private "G" type="int (*)(int)" modifier=""
+)x"},
       // Attributes pass wherever they stand.
       {.text = "[[nodiscard]] int f(); class A { [[deprecated(\"old\")]] int Y; [[nodiscard]] int F() const; int Z[2]; };",
        .expected = R"x(class "A" C++ unit="input.h"
