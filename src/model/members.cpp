@@ -300,9 +300,12 @@ TMethodDescription* TMethodDescriptionList::Find(std::string_view name) const {
 
 TMethodDescription* TMethodDescriptionList::Find(std::string_view name,
                                                  const TParameterList& params) const {
-  const int first = IndexOfName(name);
-  if (first < 0) return nullptr;
-  for (int i = first; i < Count() && Index.Compare(Index.Strings(i), name) == 0; ++i)
+  return FindInRun(NameRun(name), params);
+}
+
+TMethodDescription* TMethodDescriptionList::FindInRun(TNameRun run,
+                                                      const TParameterList& params) const {
+  for (int i = run.First; i < run.End; ++i)
     if (Items(i)->Parameters.SameAs(params)) return Items(i);
   return nullptr;
 }
@@ -332,9 +335,7 @@ TMethodDescription* TMethodDescriptionList::FindOrAdd(std::string_view name, TPa
                                                       std::string_view resultType,
                                                       TVisibility visibility, TMethodKind kind) {
   const TNameRun run = NameRun(name);
-  TMethodDescription* m = nullptr;
-  for (int i = run.First; i < run.End && !m; ++i)
-    if (Items(i)->Parameters.SameAs(params)) m = Items(i);
+  TMethodDescription* m = FindInRun(run, params);
   // The only method of that name, not yet seen in this parse: its signature changed.
   if (!m && run.End - run.First == 1 && !Items(run.First)->Valid) m = Items(run.First);
   // After its equals, so that overloads keep the order they were declared in.
@@ -404,9 +405,8 @@ TProcDescription* TRoutineList::Add(std::unique_ptr<TProcDescription> routine) {
 
 TProcDescription* TRoutineList::Find(std::string_view name, std::string_view fileName,
                                      const TParameterList& params) const {
-  const int first = IndexOfName(name);
-  if (first < 0) return nullptr;
-  for (int i = first; i < Count() && Index.Compare(Index.Strings(i), name) == 0; ++i)
+  const TNameRun run = NameRun(name);
+  for (int i = run.First; i < run.End; ++i)
     if (SameText(Items(i)->FileName, fileName) && Items(i)->Parameters.SameAs(params))
       return Items(i);
   return nullptr;

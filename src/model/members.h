@@ -190,6 +190,8 @@ class TMethodDescriptionList : public TRepObject {
     int End;
   };
   TNameRun NameRun(std::string_view name) const;
+  /// The first method of `run` with the same parameters, or null.
+  TMethodDescription* FindInRun(TNameRun run, const TParameterList& params) const;
   /// Indexes `method` at `index`, the end of its name's run, and takes ownership; null in
   /// reference mode.
   TMethodDescription* AddAt(int index, std::unique_ptr<TMethodDescription> method);
