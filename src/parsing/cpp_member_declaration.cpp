@@ -4,6 +4,7 @@
 
 #include "model/class_list.h"
 #include "parsing/cpp_parser_internal.h"
+#include "parsing/scan_chars.h"
 #include "support/ansi.h"
 
 namespace velmora {
@@ -12,10 +13,6 @@ using namespace cpp_parser;
 
 namespace {
 
-bool IsNameChar(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 // With the cursor on the `)` that closed `(*Name)` or `(__closure *Name)`: reads the
 // parameter list of the function pointed to and turns `d` into the field declaration
 // (name from the brackets, type `void (__closure *)(TObject *Sender)`). False, with the
@@ -23,11 +20,11 @@ bool IsNameChar(char c) {
 // follows.
 bool ReadFunctionPointer(TCPPTokenizer& t, TDeclaration& d) {
   const std::string_view inner = Trim(d.Params);
-  if (inner.empty() || !IsNameChar(inner.back()) ||
+  if (inner.empty() || !scan::IsIdentChar(static_cast<unsigned char>(inner.back())) ||
       inner.find_first_of("*&^") == std::string_view::npos)
     return false;
   size_t nameStart = inner.size();
-  while (nameStart > 0 && IsNameChar(inner[nameStart - 1])) --nameStart;
+  while (nameStart > 0 && scan::IsIdentChar(static_cast<unsigned char>(inner[nameStart - 1]))) --nameStart;
   if (nameStart == 0 || (inner[nameStart] >= '0' && inner[nameStart] <= '9')) return false;
   const TCursorState after = SaveCursor(t);
   std::string args;

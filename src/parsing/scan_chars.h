@@ -1,6 +1,6 @@
-// Character classes and run scanners shared by the C++ and Pascal scanners (included by
-// them only). Every function takes the text and a position and stops at the NUL at the
-// latest; none reads past it.
+// Character classes and run scanners shared by the C++ and Pascal scanners (and the
+// character classes by the parsers). Every function takes the text and a position and
+// stops at the NUL at the latest; none reads past it.
 #pragma once
 
 #include <array>
@@ -28,6 +28,7 @@ inline constexpr std::array<unsigned char, 256> kFlags = MakeFlags();
 
 constexpr bool IsBlank(unsigned char c) { return kFlags[c] & fBlank; }
 constexpr bool IsIdentStart(unsigned char c) { return kFlags[c] & fIdentStart; }
+constexpr bool IsIdentChar(unsigned char c) { return kFlags[c] & fIdentChar; }
 
 inline int32_t SkipBlanks(const unsigned char* s, int32_t p) {
   while (kFlags[s[p]] & fBlank) ++p;
