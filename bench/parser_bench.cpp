@@ -20,7 +20,8 @@ using velmora::bench::Corpus;
 // threads stop a Pascal unit at `implementation` unless the user's setting says otherwise.
 void ParseCorpus(const Corpus& corpus, velmora::TClasslist& list,
                  const velmora::TParseOptions& options = {}) {
-  const velmora::TLanguage language = corpus.pascal ? velmora::TLanguage::Pascal : velmora::TLanguage::Cpp;
+  const velmora::TLanguage language =
+      corpus.pascal ? velmora::TLanguage::Pascal : velmora::TLanguage::Cpp;
   for (size_t i = 0; i < corpus.texts.size(); ++i) {
     // The stream owns its block; copying the text in is part of what a parser thread does
     // when it loads a file, and is small beside the parse.
@@ -97,18 +98,18 @@ int main(int argc, char** argv) {
       // `implementation` (include files, which have none, are still read whole).
       velmora::TParseOptions interfaceOnly;
       interfaceOnly.ParseImplementation = false;
-      benchmark::RegisterBenchmark(("ParseInterfaces/" + corpus.name).c_str(),
-                                   [&corpus, interfaceOnly](benchmark::State& s) {
-                                     Parse(s, corpus, interfaceOnly);
-                                   })
+      benchmark::RegisterBenchmark(
+          ("ParseInterfaces/" + corpus.name).c_str(),
+          [&corpus, interfaceOnly](benchmark::State& s) { Parse(s, corpus, interfaceOnly); })
           ->UseRealTime()
           ->Unit(benchmark::kMillisecond);
     }
     velmora::bench::RegisterCtags(corpus);
     saved.push_back(std::make_unique<std::string>(SavedModel(corpus)));
     const std::string& model = *saved.back();
-    benchmark::RegisterBenchmark(("LoadModel/" + corpus.name).c_str(),
-                                 [&corpus, &model](benchmark::State& s) { LoadModel(s, corpus, model); })
+    benchmark::RegisterBenchmark(
+        ("LoadModel/" + corpus.name).c_str(),
+        [&corpus, &model](benchmark::State& s) { LoadModel(s, corpus, model); })
         ->UseRealTime()
         ->Unit(benchmark::kMillisecond);
   }

@@ -4,9 +4,9 @@
 // with both rates and their ratio follows the benchmark table.
 #include <benchmark/benchmark.h>
 
+#include "common/corpus.h"
 #include "parsing/cpp_tokenizer.h"
 #include "parsing/pascal_tokenizer.h"
-#include "common/corpus.h"
 
 namespace {
 
@@ -42,7 +42,8 @@ int main(int argc, char** argv) {
   const auto corpora = velmora::bench::LoadCorpora();
   for (const auto& c : corpora) {
     const Corpus& corpus = *c;
-    auto run = corpus.pascal ? &Tokenize<velmora::TPascalTokenizer> : &Tokenize<velmora::TCPPTokenizer>;
+    auto run =
+        corpus.pascal ? &Tokenize<velmora::TPascalTokenizer> : &Tokenize<velmora::TCPPTokenizer>;
     benchmark::RegisterBenchmark(("Tokenize/" + corpus.name).c_str(),
                                  [&corpus, run](benchmark::State& s) { run(s, corpus); })
         ->UseRealTime()

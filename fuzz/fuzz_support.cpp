@@ -85,7 +85,8 @@ bool LoadModel(const std::string& bytes, TFilesList& files, TClasslist& classes)
 
 void ParseAndCheck(TLanguage language, std::string_view unitName, const uint8_t* data,
                    size_t size) {
-  const TMemoryStream text(ToBufferForm(std::string_view(reinterpret_cast<const char*>(data), size)));
+  const TMemoryStream text(
+      ToBufferForm(std::string_view(reinterpret_cast<const char*>(data), size)));
   const TParseOptions options{.WantPositions = true};
   TFilesList files;
   TClasslist classes;

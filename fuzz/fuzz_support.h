@@ -38,8 +38,7 @@ void CheckTokenizer(TTokenizer& tokenizer, const std::string& text, bool cpp);
 /// into a class list; then a re-parse between a mark and a sweep, as the parser threads
 /// refresh a unit, must change nothing, and the model must come back unchanged from its
 /// saved form.
-void ParseAndCheck(TLanguage language, std::string_view unitName, const uint8_t* data,
-                   size_t size);
+void ParseAndCheck(TLanguage language, std::string_view unitName, const uint8_t* data, size_t size);
 
 /// The class information file `files` and `classes` would be saved as.
 std::string SavedModel(const TFilesList& files, const TClasslist& classes);

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz_support.h"
 #include "model/class_list.h"
 #include "model/domains.h"
 #include "model/files.h"
@@ -22,7 +23,6 @@
 #include "support/stream.h"
 #include "support/stringlist.h"
 #include "support/text_buffer.h"
-#include "fuzz_support.h"
 
 namespace fs = std::filesystem;
 using namespace velmora;
@@ -90,7 +90,8 @@ void CollectParameters(const TCommonClassList& list, std::set<std::string>& text
       const char language = params.Language == TLanguage::Cpp ? 1 : 0;
       texts.insert(language + params.GetText());
     }
-    if (const TCommonClassList* nested = cls.NestedClassesIfAny()) CollectParameters(*nested, texts);
+    if (const TCommonClassList* nested = cls.NestedClassesIfAny())
+      CollectParameters(*nested, texts);
   }
 }
 
@@ -129,7 +130,8 @@ int main(int argc, char** argv) {
     Write(out / "class_info/examples.cinfo", fuzz::SavedModel(all.files, all.classes));
     Write(out / "class_info/empty.cinfo", fuzz::SavedModel(TFilesList(), TClasslist()));
     for (const fs::path& p : FilesUnder(source / "tests/model/golden"))
-      if (p.extension() == ".cinfo") Write(out / "class_info" / p.filename(), ReadWholeFile(p.string()));
+      if (p.extension() == ".cinfo")
+        Write(out / "class_info" / p.filename(), ReadWholeFile(p.string()));
 
     Write(out / "domain/examples.domain", DomainFile(all.classes.Domains, out / "scratch"));
     Write(out / "domain/empty.domain", DomainFile(TDomainList(), out / "scratch"));
@@ -145,10 +147,9 @@ int main(int argc, char** argv) {
     Write(out / "domain/named.domain", DomainFile(named, out / "scratch"));
 
     using namespace std::string_literals;
-    std::set<std::string> parameters = {"\1int a = 5, char *b[]"s, "\1void (*cb)(int), ..."s,
-                                        "\1std::map<int, int> m, const T& t"s,
-                                        "\0var A, B: Integer; const S: string = 'x'"s,
-                                        "\0out X; constref Y: array of Byte"s};
+    std::set<std::string> parameters = {
+        "\1int a = 5, char *b[]"s, "\1void (*cb)(int), ..."s, "\1std::map<int, int> m, const T& t"s,
+        "\0var A, B: Integer; const S: string = 'x'"s, "\0out X; constref Y: array of Byte"s};
     CollectParameters(all.classes, parameters);
     n = 0;
     for (const std::string& text : parameters)

@@ -56,10 +56,11 @@ int RunDump(const DumpOptions& o) {
   }
 
   if (o.stats) {
-    std::printf("files: %d\nbytes: %lld\nclasses: %d\nmembers: %d\nroutines: %d\nparse time: %.3f ms\n",
-                o.load.empty() ? parsed.Files : files.Count(), static_cast<long long>(parsed.Bytes),
-                classes.CountAll(), CountMembers(classes), classes.Routines.Count(),
-                parsed.Seconds * 1000.0);
+    std::printf(
+        "files: %d\nbytes: %lld\nclasses: %d\nmembers: %d\nroutines: %d\nparse time: %.3f ms\n",
+        o.load.empty() ? parsed.Files : files.Count(), static_cast<long long>(parsed.Bytes),
+        classes.CountAll(), CountMembers(classes), classes.Routines.Count(),
+        parsed.Seconds * 1000.0);
   } else if (o.json) {
     std::fputs(ModelToJson(classes).c_str(), stdout);
   } else {

@@ -10,7 +10,9 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // Language-neutral visibility words: the Pascal ones ("published", not "__published").
-std::string Visibility(TVisibility v) { return std::string(VisibilityText(v, TLanguage::Pascal)); }
+std::string Visibility(TVisibility v) {
+  return std::string(VisibilityText(v, TLanguage::Pascal));
+}
 
 void AddPositions(Json& j, const TCodeObject& o) {
   j["start_line"] = o.StartLine;
@@ -75,9 +77,12 @@ Json FieldJson(const TFieldDescription& f) {
   j["is_property"] = f.IsProperty;
   if (f.IsProperty && f.Property) {
     const TPropertyDescription& p = *f.Property;
-    j["property"] = {{"index_params", Text(p.IndexParams)}, {"index", Text(p.IndexSpec)},
-                     {"read", Text(p.ReadSpec)},            {"write", Text(p.WriteSpec)},
-                     {"stored", Text(p.StoredSpec)},        {"default", Text(p.DefaultSpec)}};
+    j["property"] = {{"index_params", Text(p.IndexParams)},
+                     {"index", Text(p.IndexSpec)},
+                     {"read", Text(p.ReadSpec)},
+                     {"write", Text(p.WriteSpec)},
+                     {"stored", Text(p.StoredSpec)},
+                     {"default", Text(p.DefaultSpec)}};
   } else {
     j["property"] = nullptr;
   }
@@ -134,7 +139,8 @@ std::string ModelToJson(const TClasslist& list) {
   for (int i = 0; i < list.Includes.Count(); ++i) {
     const TIncludeUnit& u = *list.Includes.Items(i);
     Json names = Json::array();
-    for (int k = 0; k < u.IncludedNames.Count(); ++k) names.push_back(Text(u.IncludedNames.Strings(k)));
+    for (int k = 0; k < u.IncludedNames.Count(); ++k)
+      names.push_back(Text(u.IncludedNames.Strings(k)));
     includes.push_back({{"unit", Text(u.UnitName)}, {"names", std::move(names)}});
   }
   root["includes"] = std::move(includes);

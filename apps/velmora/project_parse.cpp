@@ -63,7 +63,8 @@ TFileRecord ParseHere(const std::string& path, TClasslist& classes) {
   TStringList includeNames(false, TDuplicates::Ignore, false);
   TMemoryStream stream(std::move(text));
   const auto start = std::chrono::steady_clock::now();
-  ParseSourceText(LanguageOfFile(unitName), unitName, stream, classes, TParseOptions{}, &includeNames);
+  ParseSourceText(LanguageOfFile(unitName), unitName, stream, classes, TParseOptions{},
+                  &includeNames);
   record.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   record.Bytes = stream.Size();
   record.Includes = ListOf(includeNames);
@@ -102,7 +103,7 @@ void ParseThroughJobs(const TProjectParseRequest& request, TClasslist& classes,
   for (const std::string& dir : request.IncludePath) includePath.Add(dir);
   TStringList known(true, TDuplicates::Ignore, true);
   TParserThreadOptions options;
-  options.RetryBudget = 0;     // nobody is saving these files while the command runs
+  options.RetryBudget = 0;      // nobody is saving these files while the command runs
   options.PascalOption = true;  // as a parse in this thread: past `implementation`
   options.Observer = &records;
   std::vector<std::string> roots;

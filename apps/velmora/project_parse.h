@@ -9,7 +9,7 @@
 namespace velmora {
 class TClasslist;
 class TFilesList;
-}
+}  // namespace velmora
 
 namespace velmora::app {
 
@@ -21,9 +21,9 @@ struct TProjectParseRequest {
 };
 
 struct TProjectParseResult {
-  int Files = 0;         ///< files parsed, included ones counted
-  int64_t Bytes = 0;     ///< their size in buffer form
-  double Seconds = 0;    ///< time spent parsing, loading excluded
+  int Files = 0;       ///< files parsed, included ones counted
+  int64_t Bytes = 0;   ///< their size in buffer form
+  double Seconds = 0;  ///< time spent parsing, loading excluded
   /// One message per named file that could not be read. Included files that cannot be
   /// found or read are passed over silently, as a class browser does.
   std::vector<std::string> Errors;

@@ -36,12 +36,15 @@ std::string DefaultIconSource() {
 }
 
 int RunRegisterTypes(const std::string& icons) {
-  const TFileTypeRegistration where = DefaultFileTypeRegistration(icons.empty() ? DefaultIconSource() : icons);
+  const TFileTypeRegistration where =
+      DefaultFileTypeRegistration(icons.empty() ? DefaultIconSource() : icons);
   const TRegistrationOutcome outcome = RegisterFileTypes(where);
   for (const std::string& file : outcome.Written) std::cout << "wrote " << file << '\n';
-  if (outcome.DatabaseUpdated) std::cout << "updated the MIME database in " << where.DataHome << "/mime\n";
+  if (outcome.DatabaseUpdated)
+    std::cout << "updated the MIME database in " << where.DataHome << "/mime\n";
   if (outcome.MissingIcons > 0)
-    std::cerr << "velmora: icons not found in " << where.IconSource << "; types registered without them\n";
+    std::cerr << "velmora: icons not found in " << where.IconSource
+              << "; types registered without them\n";
   if (where.UpdateTool.empty())
     std::cerr << "velmora: update-mime-database not found; the types take effect once it has run\n";
   if (!outcome.Ok) {

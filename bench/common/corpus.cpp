@@ -21,8 +21,7 @@ std::vector<std::string> g_lists;  // temporary ctags file lists, removed at the
 
 bool HasExtension(const fs::path& path, std::initializer_list<const char*> extensions) {
   const std::string ext = path.extension().string();
-  return std::any_of(extensions.begin(), extensions.end(),
-                     [&](const char* e) { return ext == e; });
+  return std::any_of(extensions.begin(), extensions.end(), [&](const char* e) { return ext == e; });
 }
 
 void AddFiles(Corpus& corpus, const fs::path& root, bool (*wanted)(const fs::path&)) {
@@ -81,8 +80,9 @@ Corpus LoadLcl() {
   c.pascal = true;
   std::error_code ec;
   for (fs::directory_iterator it("/usr/lib/lazarus", ec), end; !ec && it != end; it.increment(ec))
-    AddFiles(c, it->path() / "lcl",
-             [](const fs::path& p) { return HasExtension(p, {".pas", ".pp", ".inc"}); });
+    AddFiles(c, it->path() / "lcl", [](const fs::path& p) {
+      return HasExtension(p, {".pas", ".pp", ".inc"});
+    });
   Load(c);
   return c;
 }

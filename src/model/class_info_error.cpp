@@ -20,10 +20,18 @@ T Checked(TStream& stream) {
 
 }  // namespace
 
-uint8_t LoadU8(TStream& stream) { return Checked<uint8_t, &TStream::TryReadU8>(stream); }
-uint16_t LoadU16(TStream& stream) { return Checked<uint16_t, &TStream::TryReadU16>(stream); }
-uint32_t LoadU32(TStream& stream) { return Checked<uint32_t, &TStream::TryReadU32>(stream); }
-int32_t LoadI32(TStream& stream) { return Checked<int32_t, &TStream::TryReadI32>(stream); }
+uint8_t LoadU8(TStream& stream) {
+  return Checked<uint8_t, &TStream::TryReadU8>(stream);
+}
+uint16_t LoadU16(TStream& stream) {
+  return Checked<uint16_t, &TStream::TryReadU16>(stream);
+}
+uint32_t LoadU32(TStream& stream) {
+  return Checked<uint32_t, &TStream::TryReadU32>(stream);
+}
+int32_t LoadI32(TStream& stream) {
+  return Checked<int32_t, &TStream::TryReadI32>(stream);
+}
 
 bool LoadBool(TStream& stream) {
   return LoadU8(stream) != 0;

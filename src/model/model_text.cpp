@@ -7,7 +7,9 @@
 namespace velmora {
 namespace {
 
-void Indent(std::string& out, int depth) { out.append(static_cast<size_t>(depth) * 2, ' '); }
+void Indent(std::string& out, int depth) {
+  out.append(static_cast<size_t>(depth) * 2, ' ');
+}
 
 // Values are quoted with the control characters and the quote escaped, so that every
 // record stays on one line whatever a damaged source put into a name.

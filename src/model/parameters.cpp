@@ -195,7 +195,7 @@ void ReadCppParameter(std::string_view text, TParameterList& list) {
   }
   std::string_view decl = text;
   const size_t eq = text.find('=') == std::string_view::npos ? std::string_view::npos
-                                                              : FindTopLevel(text, '=', true, true);
+                                                             : FindTopLevel(text, '=', true, true);
   if (eq != std::string_view::npos) {
     decl = Trim(text.substr(0, eq));
     p.DefaultValue = std::string(Trim(text.substr(eq + 1)));

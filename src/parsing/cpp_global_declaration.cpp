@@ -71,7 +71,8 @@ bool PassWordArguments(TCPPTokenizer& t, TWordRole role, std::string& type, bool
   if (next == ctOpenParen && !CollectBracket(t, next, group, role == TWordRole::TypeOf)) {
     return true;  // ran to the end of the text
   }
-  if (role == TWordRole::TypeOf) AppendSeparated(type, std::string(text) + "(" + group + ")", blank);
+  if (role == TWordRole::TypeOf)
+    AppendSeparated(type, std::string(text) + "(" + group + ")", blank);
   return true;
 }
 
@@ -136,7 +137,6 @@ bool SkipInitializer(TCPPTokenizer& t, bool& cut) {
     }
   }
 }
-
 
 void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d) {
   const bool inClass = scope == TDeclarationScope::Class;

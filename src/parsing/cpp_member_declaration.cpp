@@ -24,7 +24,8 @@ bool ReadFunctionPointer(TCPPTokenizer& t, TDeclaration& d) {
       inner.find_first_of("*&^") == std::string_view::npos)
     return false;
   size_t nameStart = inner.size();
-  while (nameStart > 0 && scan::IsIdentChar(static_cast<unsigned char>(inner[nameStart - 1]))) --nameStart;
+  while (nameStart > 0 && scan::IsIdentChar(static_cast<unsigned char>(inner[nameStart - 1])))
+    --nameStart;
   if (nameStart == 0 || (inner[nameStart] >= '0' && inner[nameStart] <= '9')) return false;
   const TCursorState after = SaveCursor(t);
   std::string args;
@@ -39,8 +40,8 @@ bool ReadFunctionPointer(TCPPTokenizer& t, TDeclaration& d) {
     return false;
   }
   d.Name = std::string(inner.substr(nameStart));
-  d.Type = std::string(Trim(d.Type)) + " (" + std::string(Trim(inner.substr(0, nameStart))) +
-           ")(" + std::string(Trim(args)) + ")";
+  d.Type = std::string(Trim(d.Type)) + " (" + std::string(Trim(inner.substr(0, nameStart))) + ")(" +
+           std::string(Trim(args)) + ")";
   d.Params.clear();
   d.HasParams = false;
   // On to the `;` (passing a `= nullptr`), never over the `}` that ends the class.

@@ -33,7 +33,9 @@ enum class TVisibility : uint8_t;
 // ---- Operations over a C++ token cursor, shared with the C++ code finder ----
 
 using TCursorState = TTokenizer::TCursorState;
-inline TCursorState SaveCursor(const TTokenizer& tokenizer) { return tokenizer.SaveCursor(); }
+inline TCursorState SaveCursor(const TTokenizer& tokenizer) {
+  return tokenizer.SaveCursor();
+}
 inline void RestoreCursor(TTokenizer& tokenizer, const TCursorState& state) {
   tokenizer.RestoreCursor(state);
 }

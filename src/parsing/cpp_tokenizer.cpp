@@ -12,28 +12,35 @@ namespace {
 
 // In kind order: the kind of kCppKeywords[i] is 10 + i.
 constexpr std::array<std::string_view, 94> kCppKeywords = {
-    "__asm", "_asm", "asm", "auto", "__automated", "break", "bool", "case", "catch",
-    "__cdecl", "_cdecl", "cdecl", "char", "class", "__classid", "__closure", "const",
-    "const_cast", "continue", "__declspec", "default", "delete", "__dispid", "do", "double",
-    "dynamic_cast", "else", "enum", "__except", "explicit", "_export", "__export", "extern",
-    "false", "__fastcall", "_fastcall", "__finally", "float", "for", "friend", "goto", "if",
-    "__import", "_import", "inline", "int", "__int8", "__int16", "__int32", "__int64", "long",
-    "mutable", "namespace", "new", "operator", "__pascal", "_pascal", "pascal", "private",
-    "protected", "__property", "public", "__published", "register", "reinterpret_cast",
-    "return", "__rtti", "short", "signed", "sizeof", "static", "static_cast", "__stdcall",
-    "_stdcall", "struct", "switch", "template", "this", "__thread", "throw", "true", "__try",
-    "try", "typedef", "typename", "typeid", "union", "using", "unsigned", "virtual", "void",
-    "volatile", "wchar_t", "while"};
+    "__asm",        "_asm",        "asm",         "auto",     "__automated",
+    "break",        "bool",        "case",        "catch",    "__cdecl",
+    "_cdecl",       "cdecl",       "char",        "class",    "__classid",
+    "__closure",    "const",       "const_cast",  "continue", "__declspec",
+    "default",      "delete",      "__dispid",    "do",       "double",
+    "dynamic_cast", "else",        "enum",        "__except", "explicit",
+    "_export",      "__export",    "extern",      "false",    "__fastcall",
+    "_fastcall",    "__finally",   "float",       "for",      "friend",
+    "goto",         "if",          "__import",    "_import",  "inline",
+    "int",          "__int8",      "__int16",     "__int32",  "__int64",
+    "long",         "mutable",     "namespace",   "new",      "operator",
+    "__pascal",     "_pascal",     "pascal",      "private",  "protected",
+    "__property",   "public",      "__published", "register", "reinterpret_cast",
+    "return",       "__rtti",      "short",       "signed",   "sizeof",
+    "static",       "static_cast", "__stdcall",   "_stdcall", "struct",
+    "switch",       "template",    "this",        "__thread", "throw",
+    "true",         "__try",       "try",         "typedef",  "typename",
+    "typeid",       "union",       "using",       "unsigned", "virtual",
+    "void",         "volatile",    "wchar_t",     "while"};
 constexpr int kFirstKeywordKind = 10;
 constexpr int kMaxKeywordLength = 16;  // reinterpret_cast
 
 // The words after `#`, with their kinds.
-constexpr std::array<std::string_view, 12> kDirectives = {
-    "define", "elif", "else", "endif", "error", "if", "ifdef", "ifndef", "include", "line",
-    "pragma", "undef"};
+constexpr std::array<std::string_view, 12> kDirectives = {"define",  "elif", "else",   "endif",
+                                                          "error",   "if",   "ifdef",  "ifndef",
+                                                          "include", "line", "pragma", "undef"};
 constexpr std::array<int, 12> kDirectiveKinds = {
-    ctHashDefine, ctHashElif, ctHashElse,    ctHashEndif, ctHashError,  ctHashIf,
-    ctHashIfdef,  ctHashIfndef, ctHashInclude, ctHashLine, ctHashPragma, ctHashUndef};
+    ctHashDefine, ctHashElif,   ctHashElse,    ctHashEndif, ctHashError,  ctHashIf,
+    ctHashIfdef,  ctHashIfndef, ctHashInclude, ctHashLine,  ctHashPragma, ctHashUndef};
 
 constexpr keywords::TKeywordTable<94, 10> kKeywordTable(kCppKeywords);
 constexpr keywords::TKeywordTable<12, 6> kDirectiveTable(kDirectives);
@@ -42,11 +49,40 @@ constexpr keywords::TKeywordTable<12, 6> kDirectiveTable(kDirectives);
 // its own so that one switch settles the token.
 enum CharClass : unsigned char {
   cUnknownChar,  // $, 127 and above
-  cEnd, cBlank, cCR, cLF, cDigit, cLetter,
-  cQuote, cDoubleQuote, cHash, cUnknownPunct,
-  cBang, cPercent, cAmp, cOpenParen, cCloseParen, cStar, cPlus, cComma, cMinus, cDot, cSlash,
-  cColon, cSemicolon, cLess, cEqual, cGreater, cQuestion, cOpenBracket, cCloseBracket, cCaret,
-  cOpenBrace, cBar, cCloseBrace, cTilde,
+  cEnd,
+  cBlank,
+  cCR,
+  cLF,
+  cDigit,
+  cLetter,
+  cQuote,
+  cDoubleQuote,
+  cHash,
+  cUnknownPunct,
+  cBang,
+  cPercent,
+  cAmp,
+  cOpenParen,
+  cCloseParen,
+  cStar,
+  cPlus,
+  cComma,
+  cMinus,
+  cDot,
+  cSlash,
+  cColon,
+  cSemicolon,
+  cLess,
+  cEqual,
+  cGreater,
+  cQuestion,
+  cOpenBracket,
+  cCloseBracket,
+  cCaret,
+  cOpenBrace,
+  cBar,
+  cCloseBrace,
+  cTilde,
 };
 
 constexpr std::array<CharClass, 256> MakeClasses() {
@@ -91,7 +127,9 @@ constexpr std::array<CharClass, 256> MakeClasses() {
 }
 constexpr std::array<CharClass, 256> kClass = MakeClasses();
 
-bool IsLetter(unsigned char c) { return static_cast<unsigned>((c | 0x20) - 'a') < 26u; }
+bool IsLetter(unsigned char c) {
+  return static_cast<unsigned>((c | 0x20) - 'a') < 26u;
+}
 
 }  // namespace
 
@@ -166,8 +204,7 @@ void TCPPTokenizer::Tokenize() {
           kind = ctUnknownChar;
           const int length = p - start - 1;
           if (length <= keywords::kMaxLength) {
-            const int place =
-                kDirectiveTable.Find(keywords::Pack(s + start + 1, length));
+            const int place = kDirectiveTable.Find(keywords::Pack(s + start + 1, length));
             if (place >= 0) kind = kDirectiveKinds[place];
           }
         } else {
@@ -184,51 +221,74 @@ void TCPPTokenizer::Tokenize() {
         kind = ctUnknownChar;
         break;
       case cBang:
-        if (s[p + 1] == '=') p += 2, kind = ctNotEqual;
-        else p += 1, kind = ctNot;
+        if (s[p + 1] == '=')
+          p += 2, kind = ctNotEqual;
+        else
+          p += 1, kind = ctNot;
         break;
       case cPercent:
-        if (s[p + 1] == '=') p += 2, kind = ctPercentAssign;
-        else p += 1, kind = ctPercent;
+        if (s[p + 1] == '=')
+          p += 2, kind = ctPercentAssign;
+        else
+          p += 1, kind = ctPercent;
         break;
       case cAmp:
-        if (s[p + 1] == '&') p += 2, kind = ctLogicalAnd;
-        else if (s[p + 1] == '=') p += 2, kind = ctAndAssign;
-        else p += 1, kind = ctAmpersand;
+        if (s[p + 1] == '&')
+          p += 2, kind = ctLogicalAnd;
+        else if (s[p + 1] == '=')
+          p += 2, kind = ctAndAssign;
+        else
+          p += 1, kind = ctAmpersand;
         break;
       case cOpenParen:
-        if (s[p + 1] == ')') p += 2, kind = ctParens;
-        else p += 1, kind = ctOpenParen;
+        if (s[p + 1] == ')')
+          p += 2, kind = ctParens;
+        else
+          p += 1, kind = ctOpenParen;
         break;
       case cCloseParen:
         p += 1, kind = ctCloseParen;
         break;
       case cStar:
-        if (s[p + 1] == '=') p += 2, kind = ctStarAssign;
-        else p += 1, kind = ctStar;
+        if (s[p + 1] == '=')
+          p += 2, kind = ctStarAssign;
+        else
+          p += 1, kind = ctStar;
         break;
       case cPlus:
-        if (s[p + 1] == '+') p += 2, kind = ctPlusPlus;
-        else if (s[p + 1] == '=') p += 2, kind = ctPlusAssign;
-        else p += 1, kind = ctPlus;
+        if (s[p + 1] == '+')
+          p += 2, kind = ctPlusPlus;
+        else if (s[p + 1] == '=')
+          p += 2, kind = ctPlusAssign;
+        else
+          p += 1, kind = ctPlus;
         break;
       case cComma:
         p += 1, kind = ctComma;
         break;
       case cMinus:
-        if (s[p + 1] == '-') p += 2, kind = ctMinusMinus;
-        else if (s[p + 1] == '=') p += 2, kind = ctMinusAssign;
+        if (s[p + 1] == '-')
+          p += 2, kind = ctMinusMinus;
+        else if (s[p + 1] == '=')
+          p += 2, kind = ctMinusAssign;
         else if (s[p + 1] == '>') {
-          if (s[p + 2] == '*') p += 3, kind = ctArrowStar;
-          else p += 2, kind = ctArrow;
-        } else p += 1, kind = ctMinus;
+          if (s[p + 2] == '*')
+            p += 3, kind = ctArrowStar;
+          else
+            p += 2, kind = ctArrow;
+        } else
+          p += 1, kind = ctMinus;
         break;
       case cDot:
         if (s[p + 1] == '.') {
-          if (s[p + 2] == '.') p += 3, kind = ctEllipsis;
-          else p += 2, kind = ctDotDot;
-        } else if (s[p + 1] == '*') p += 2, kind = ctDotStar;
-        else p += 1, kind = ctDot;
+          if (s[p + 2] == '.')
+            p += 3, kind = ctEllipsis;
+          else
+            p += 2, kind = ctDotDot;
+        } else if (s[p + 1] == '*')
+          p += 2, kind = ctDotStar;
+        else
+          p += 1, kind = ctDot;
         break;
       case cSlash:
         if (s[p + 1] == '*') {
@@ -238,57 +298,82 @@ void TCPPTokenizer::Tokenize() {
         } else if (s[p + 1] == '/') {
           p = scan::PastLineCommentEnd(s, p + 2);
           kind = ctLineComment;
-        } else if (s[p + 1] == '=') p += 2, kind = ctSlashAssign;
-        else p += 1, kind = ctSlash;
+        } else if (s[p + 1] == '=')
+          p += 2, kind = ctSlashAssign;
+        else
+          p += 1, kind = ctSlash;
         break;
       case cColon:
-        if (s[p + 1] == ':') p += 2, kind = ctScope;
-        else p += 1, kind = ctColon;
+        if (s[p + 1] == ':')
+          p += 2, kind = ctScope;
+        else
+          p += 1, kind = ctColon;
         break;
       case cSemicolon:
         p += 1, kind = ctSemicolon;
         break;
       case cLess:
         if (s[p + 1] == '<') {
-          if (s[p + 2] == '=') p += 3, kind = ctShiftLeftAssign;
-          else p += 2, kind = ctShiftLeft;
-        } else if (s[p + 1] == '=') p += 2, kind = ctLessEqual;
-        else p += 1, kind = ctLess;
+          if (s[p + 2] == '=')
+            p += 3, kind = ctShiftLeftAssign;
+          else
+            p += 2, kind = ctShiftLeft;
+        } else if (s[p + 1] == '=')
+          p += 2, kind = ctLessEqual;
+        else
+          p += 1, kind = ctLess;
         break;
       case cEqual:
-        if (s[p + 1] == '=') p += 2, kind = ctEqual;
-        else p += 1, kind = ctAssign;
+        if (s[p + 1] == '=')
+          p += 2, kind = ctEqual;
+        else
+          p += 1, kind = ctAssign;
         break;
       case cGreater:
         if (s[p + 1] == '>') {
-          if (s[p + 2] == '=') p += 3, kind = ctShiftRightAssign;
-          else p += 2, kind = ctShiftRight;
-        } else if (s[p + 1] == '=') p += 2, kind = ctGreaterEqual;
-        else p += 1, kind = ctGreater;
+          if (s[p + 2] == '=')
+            p += 3, kind = ctShiftRightAssign;
+          else
+            p += 2, kind = ctShiftRight;
+        } else if (s[p + 1] == '=')
+          p += 2, kind = ctGreaterEqual;
+        else
+          p += 1, kind = ctGreater;
         break;
       case cQuestion:
-        if (s[p + 1] == ':') p += 2, kind = ctQuestionColon;
-        else p += 1, kind = ctUnknownPunctuator;
+        if (s[p + 1] == ':')
+          p += 2, kind = ctQuestionColon;
+        else
+          p += 1, kind = ctUnknownPunctuator;
         break;
       case cOpenBracket:
-        if (s[p + 1] == ']') p += 2, kind = ctBrackets;
-        else p += 1, kind = ctOpenBracket;
+        if (s[p + 1] == ']')
+          p += 2, kind = ctBrackets;
+        else
+          p += 1, kind = ctOpenBracket;
         break;
       case cCloseBracket:
         p += 1, kind = ctCloseBracket;
         break;
       case cCaret:
-        if (s[p + 1] == '=') p += 2, kind = ctCaretAssign;
-        else p += 1, kind = ctCaret;
+        if (s[p + 1] == '=')
+          p += 2, kind = ctCaretAssign;
+        else
+          p += 1, kind = ctCaret;
         break;
       case cOpenBrace:
-        if (s[p + 1] == '}') p += 2, kind = ctBraces;
-        else p += 1, kind = ctOpenBrace;
+        if (s[p + 1] == '}')
+          p += 2, kind = ctBraces;
+        else
+          p += 1, kind = ctOpenBrace;
         break;
       case cBar:
-        if (s[p + 1] == '|') p += 2, kind = ctLogicalOr;
-        else if (s[p + 1] == '=') p += 2, kind = ctBarAssign;
-        else p += 1, kind = ctBar;
+        if (s[p + 1] == '|')
+          p += 2, kind = ctLogicalOr;
+        else if (s[p + 1] == '=')
+          p += 2, kind = ctBarAssign;
+        else
+          p += 1, kind = ctBar;
         break;
       case cCloseBrace:
         p += 1, kind = ctCloseBrace;
@@ -326,24 +411,59 @@ std::string_view CppTokenKindName(int kind) {
     n[ctUnknownPunctuator] = "unknown-punctuator";
     n[ctUnknownChar] = "unknown-char";
     const std::pair<int, const char*> punctuators[] = {
-        {ctNot, "!"},        {ctNotEqual, "!="},       {ctPercent, "%"},
-        {ctPercentAssign, "%="}, {ctAmpersand, "&"},   {ctLogicalAnd, "&&"},
-        {ctAndAssign, "&="}, {ctOpenParen, "("},       {ctParens, "()"},
-        {ctCloseParen, ")"}, {ctStar, "*"},            {ctStarAssign, "*="},
-        {ctPlus, "+"},       {ctPlusPlus, "++"},       {ctPlusAssign, "+="},
-        {ctComma, ","},      {ctMinus, "-"},           {ctMinusMinus, "--"},
-        {ctMinusAssign, "-="}, {ctArrow, "->"},        {ctArrowStar, "->*"},
-        {ctDot, "."},        {ctDotDot, ".."},         {ctEllipsis, "..."},
-        {ctDotStar, ".*"},   {ctSlash, "/"},           {ctSlashAssign, "/="},
-        {ctColon, ":"},      {ctScope, "::"},          {ctSemicolon, ";"},
-        {ctLess, "<"},       {ctLessEqual, "<="},      {ctShiftLeft, "<<"},
-        {ctShiftLeftAssign, "<<="}, {ctAssign, "="},   {ctEqual, "=="},
-        {ctGreater, ">"},    {ctGreaterEqual, ">="},   {ctShiftRight, ">>"},
-        {ctShiftRightAssign, ">>="}, {ctQuestionColon, "?:"}, {ctOpenBracket, "["},
-        {ctBrackets, "[]"},  {ctCloseBracket, "]"},    {ctCaret, "^"},
-        {ctCaretAssign, "^="}, {ctBar, "|"},           {ctLogicalOr, "||"},
-        {ctBarAssign, "|="}, {ctTilde, "~"},           {ctOpenBrace, "{"},
-        {ctBraces, "{}"},    {ctCloseBrace, "}"},
+        {ctNot, "!"},
+        {ctNotEqual, "!="},
+        {ctPercent, "%"},
+        {ctPercentAssign, "%="},
+        {ctAmpersand, "&"},
+        {ctLogicalAnd, "&&"},
+        {ctAndAssign, "&="},
+        {ctOpenParen, "("},
+        {ctParens, "()"},
+        {ctCloseParen, ")"},
+        {ctStar, "*"},
+        {ctStarAssign, "*="},
+        {ctPlus, "+"},
+        {ctPlusPlus, "++"},
+        {ctPlusAssign, "+="},
+        {ctComma, ","},
+        {ctMinus, "-"},
+        {ctMinusMinus, "--"},
+        {ctMinusAssign, "-="},
+        {ctArrow, "->"},
+        {ctArrowStar, "->*"},
+        {ctDot, "."},
+        {ctDotDot, ".."},
+        {ctEllipsis, "..."},
+        {ctDotStar, ".*"},
+        {ctSlash, "/"},
+        {ctSlashAssign, "/="},
+        {ctColon, ":"},
+        {ctScope, "::"},
+        {ctSemicolon, ";"},
+        {ctLess, "<"},
+        {ctLessEqual, "<="},
+        {ctShiftLeft, "<<"},
+        {ctShiftLeftAssign, "<<="},
+        {ctAssign, "="},
+        {ctEqual, "=="},
+        {ctGreater, ">"},
+        {ctGreaterEqual, ">="},
+        {ctShiftRight, ">>"},
+        {ctShiftRightAssign, ">>="},
+        {ctQuestionColon, "?:"},
+        {ctOpenBracket, "["},
+        {ctBrackets, "[]"},
+        {ctCloseBracket, "]"},
+        {ctCaret, "^"},
+        {ctCaretAssign, "^="},
+        {ctBar, "|"},
+        {ctLogicalOr, "||"},
+        {ctBarAssign, "|="},
+        {ctTilde, "~"},
+        {ctOpenBrace, "{"},
+        {ctBraces, "{}"},
+        {ctCloseBrace, "}"},
     };
     for (const auto& [k, text] : punctuators) n[k] = text;
     return n;

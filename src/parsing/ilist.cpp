@@ -5,7 +5,9 @@
 
 namespace velmora {
 
-void TIList::Grow() { SetCapacity(capacity_ + 1024); }
+void TIList::Grow() {
+  SetCapacity(capacity_ + 1024);
+}
 
 void TIList::SetCapacity(int32_t n) {
   if (n < 0) n = 0;

@@ -45,9 +45,9 @@ class TIList {
  private:
   void Grow();  // kept out of line: it runs once per 1024 adds at most
 
-  int32_t capacity_ = 0;       // allocated slots
-  int32_t count_ = 0;          // slots in use, always below capacity_ after an Add
-  int32_t* items_ = nullptr;   // one malloc'ed block of capacity_ slots, or null
+  int32_t capacity_ = 0;      // allocated slots
+  int32_t count_ = 0;         // slots in use, always below capacity_ after an Add
+  int32_t* items_ = nullptr;  // one malloc'ed block of capacity_ slots, or null
 };
 
 }  // namespace velmora

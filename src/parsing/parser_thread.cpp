@@ -69,8 +69,8 @@ void StartParse(TClasslist& target, void* context, const std::string& fileName,
   TSemaphore signal(ParseSemaphoreName());
   TAbstractParserThread* thread;
   if (LanguageOfFile(fileName) == TLanguage::Cpp)
-    thread = new TCPPParserThread(fileName, includePath, knownFiles, parsedNames, options,
-                                  context, &target);
+    thread = new TCPPParserThread(fileName, includePath, knownFiles, parsedNames, options, context,
+                                  &target);
   else
     thread = new TPascalParserThread(fileName, includePath, knownFiles, parsedNames, options,
                                      context, &target);
@@ -185,7 +185,8 @@ void TAbstractParserThread::ParseFile(const std::string& name) {
   }
 }
 
-bool TAbstractParserThread::ResolveInclude(std::string& name, const std::string& includingFile) const {
+bool TAbstractParserThread::ResolveInclude(std::string& name,
+                                           const std::string& includingFile) const {
   std::vector<std::string> folders;
   folders.reserve(IncludePath.Count());
   for (int i = 0; i < IncludePath.Count(); ++i) folders.push_back(IncludePath.Strings(i));

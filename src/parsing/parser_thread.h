@@ -66,10 +66,10 @@ class TAbstractParserThread : public TThread {
                         const TParserThreadOptions& options, void* context, TClasslist* target);
   ~TAbstractParserThread() override;
 
-  std::string FileName;          ///< the root file, as the caller spelled it
-  TClasslist* Target;            ///< not owned
-  void* Context;                 ///< the caller's; kept, not used here
-  TStringList* ParsedNames;      ///< not owned, may be null
+  std::string FileName;      ///< the root file, as the caller spelled it
+  TClasslist* Target;        ///< not owned
+  void* Context;             ///< the caller's; kept, not used here
+  TStringList* ParsedNames;  ///< not owned, may be null
   TStringList KnownFiles{true, TDuplicates::Ignore, true};
   std::unique_ptr<TSemaphore> DoneSignal;
   /// In the caller's order: which of two same-named headers wins is the user's choice.

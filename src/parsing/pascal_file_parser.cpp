@@ -108,8 +108,7 @@ void ParseRoutineDeclaration(TPascalFileParser& p) {
   params.Parse(heading.ParamText);
   TProcDescription* r = p.Target->Routines.FindOrAdd(
       heading.Name, p.FileName, TLanguage::Pascal, std::move(params), heading.ResultType,
-      TVisibility::Public,
-      isFunction ? TMethodKind::Function : TMethodKind::Procedure);
+      TVisibility::Public, isFunction ? TMethodKind::Function : TMethodKind::Procedure);
   if (r) {
     r->FileName = p.FileName;
     r->Directives = 0;

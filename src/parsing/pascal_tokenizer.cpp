@@ -14,18 +14,17 @@ constexpr std::array<std::string_view, 103> kPascalKeywords = {
     // reserved words
     "and", "array", "as", "begin", "case", "class", "const", "constructor", "destructor",
     "dispinterface", "div", "do", "downto", "else", "end", "except", "exports", "file",
-    "finalization", "finally", "for", "function", "goto", "if", "implementation", "in",
-    "inherited", "initialization", "inline", "interface", "is", "label", "library", "mod",
-    "nil", "not", "object", "of", "or", "out", "packed", "procedure", "program", "property",
-    "raise", "record", "repeat", "resourcestring", "set", "shl", "shr", "string", "then",
-    "threadvar", "to", "try", "type", "unit", "until", "uses", "var", "while", "with", "xor",
+    "finalization", "finally", "for", "function", "goto", "if", "implementation", "in", "inherited",
+    "initialization", "inline", "interface", "is", "label", "library", "mod", "nil", "not",
+    "object", "of", "or", "out", "packed", "procedure", "program", "property", "raise", "record",
+    "repeat", "resourcestring", "set", "shl", "shr", "string", "then", "threadvar", "to", "try",
+    "type", "unit", "until", "uses", "var", "while", "with", "xor",
     // directive words
-    "absolute", "abstract", "assembler", "automated", "cdecl", "contains", "default",
-    "dispid", "dynamic", "export", "external", "far", "forward", "implements", "index",
-    "message", "name", "near", "nodefault", "overload", "override", "package", "pascal",
-    "private", "protected", "public", "published", "read", "readonly", "register",
-    "reintroduce", "requires", "resident", "safecall", "stdcall", "stored", "virtual", "write",
-    "writeonly"};
+    "absolute", "abstract", "assembler", "automated", "cdecl", "contains", "default", "dispid",
+    "dynamic", "export", "external", "far", "forward", "implements", "index", "message", "name",
+    "near", "nodefault", "overload", "override", "package", "pascal", "private", "protected",
+    "public", "published", "read", "readonly", "register", "reintroduce", "requires", "resident",
+    "safecall", "stdcall", "stored", "virtual", "write", "writeonly"};
 constexpr int kFirstKeywordKind = 10;
 // Longer identifiers are never keywords and skip the lookup (initialization,
 // implementation, resourcestring).
@@ -35,10 +34,34 @@ constexpr keywords::TKeywordTable<103, 10> kKeywordTable(kPascalKeywords);
 
 enum CharClass : unsigned char {
   cUnknownChar,  // |, }, 127 and above
-  cEnd, cBlank, cCR, cLF, cDigit, cLetter, cUnknownPunct,
-  cDollar, cHash, cQuote, cOpenBrace, cOpenParen, cSlash, cColon, cDot, cLess, cGreater,
-  cComma, cEqual, cPlus, cCloseParen, cSemicolon, cCloseBracket, cOpenBracket, cStar,
-  cAmp, cAt, cCaret,
+  cEnd,
+  cBlank,
+  cCR,
+  cLF,
+  cDigit,
+  cLetter,
+  cUnknownPunct,
+  cDollar,
+  cHash,
+  cQuote,
+  cOpenBrace,
+  cOpenParen,
+  cSlash,
+  cColon,
+  cDot,
+  cLess,
+  cGreater,
+  cComma,
+  cEqual,
+  cPlus,
+  cCloseParen,
+  cSemicolon,
+  cCloseBracket,
+  cOpenBracket,
+  cStar,
+  cAmp,
+  cAt,
+  cCaret,
 };
 
 constexpr std::array<CharClass, 256> MakeClasses() {
@@ -160,45 +183,82 @@ void TPascalTokenizer::Tokenize() {
           // The search for the closing *) starts after the opening (*, so (*) stays open.
           p = scan::PastStarClose(s, p + 2, ')');
           kind = ptParenComment;
-        } else if (s[p + 1] == '.') p += 2, kind = ptOpenBracket;
-        else p += 1, kind = ptOpenParen;
+        } else if (s[p + 1] == '.')
+          p += 2, kind = ptOpenBracket;
+        else
+          p += 1, kind = ptOpenParen;
         break;
       case cSlash:
         if (s[p + 1] == '/') {
           p = scan::PastLineCommentEnd(s, p + 2);
           kind = ptLineComment;
-        } else p += 1, kind = ptSlash;
+        } else
+          p += 1, kind = ptSlash;
         break;
       case cColon:
-        if (s[p + 1] == '=') p += 2, kind = ptAssign;
-        else p += 1, kind = ptColon;
+        if (s[p + 1] == '=')
+          p += 2, kind = ptAssign;
+        else
+          p += 1, kind = ptColon;
         break;
       case cDot:
-        if (s[p + 1] == '.') p += 2, kind = ptDotDot;
-        else if (s[p + 1] == ')') p += 2, kind = ptCloseBracket;
-        else p += 1, kind = ptDot;
+        if (s[p + 1] == '.')
+          p += 2, kind = ptDotDot;
+        else if (s[p + 1] == ')')
+          p += 2, kind = ptCloseBracket;
+        else
+          p += 1, kind = ptDot;
         break;
       case cLess:
-        if (s[p + 1] == '=') p += 2, kind = ptLessEqual;
-        else if (s[p + 1] == '>') p += 2, kind = ptNotEqual;
-        else p += 1, kind = ptLess;
+        if (s[p + 1] == '=')
+          p += 2, kind = ptLessEqual;
+        else if (s[p + 1] == '>')
+          p += 2, kind = ptNotEqual;
+        else
+          p += 1, kind = ptLess;
         break;
       case cGreater:
-        if (s[p + 1] == '=') p += 2, kind = ptGreaterEqual;
-        else p += 1, kind = ptGreater;
+        if (s[p + 1] == '=')
+          p += 2, kind = ptGreaterEqual;
+        else
+          p += 1, kind = ptGreater;
         break;
-      case cComma: p += 1, kind = ptComma; break;
-      case cEqual: p += 1, kind = ptEqual; break;
-      case cPlus: p += 1, kind = ptPlus; break;
-      case cCloseParen: p += 1, kind = ptCloseParen; break;
-      case cSemicolon: p += 1, kind = ptSemicolon; break;
-      case cCloseBracket: p += 1, kind = ptCloseBracket; break;
-      case cOpenBracket: p += 1, kind = ptOpenBracket; break;
-      case cStar: p += 1, kind = ptStar; break;
-      case cAmp: p += 1, kind = ptAmpersand; break;
-      case cAt: p += 1, kind = ptAt; break;
-      case cCaret: p += 1, kind = ptCaret; break;
-      case cUnknownPunct: p += 1, kind = ptUnknownPunctuator; break;
+      case cComma:
+        p += 1, kind = ptComma;
+        break;
+      case cEqual:
+        p += 1, kind = ptEqual;
+        break;
+      case cPlus:
+        p += 1, kind = ptPlus;
+        break;
+      case cCloseParen:
+        p += 1, kind = ptCloseParen;
+        break;
+      case cSemicolon:
+        p += 1, kind = ptSemicolon;
+        break;
+      case cCloseBracket:
+        p += 1, kind = ptCloseBracket;
+        break;
+      case cOpenBracket:
+        p += 1, kind = ptOpenBracket;
+        break;
+      case cStar:
+        p += 1, kind = ptStar;
+        break;
+      case cAmp:
+        p += 1, kind = ptAmpersand;
+        break;
+      case cAt:
+        p += 1, kind = ptAt;
+        break;
+      case cCaret:
+        p += 1, kind = ptCaret;
+        break;
+      case cUnknownPunct:
+        p += 1, kind = ptUnknownPunctuator;
+        break;
       case cUnknownChar:
       default:
         p += 1, kind = ptUnknownChar;
@@ -229,11 +289,11 @@ std::string_view PascalTokenKindName(int kind) {
     n[ptUnknownPunctuator] = "unknown-punctuator";
     n[ptUnknownChar] = "unknown-char";
     const std::pair<int, const char*> punctuators[] = {
-        {ptAssign, ":="},     {ptColon, ":"},        {ptComma, ","},       {ptDotDot, ".."},
-        {ptEqual, "="},       {ptGreater, ">"},      {ptGreaterEqual, ">="}, {ptLess, "<"},
-        {ptLessEqual, "<="},  {ptNotEqual, "<>"},    {ptPlus, "+"},        {ptDot, "."},
-        {ptCloseParen, ")"},  {ptOpenParen, "("},    {ptSemicolon, ";"},   {ptCloseBracket, "]"},
-        {ptOpenBracket, "["}, {ptStar, "*"},         {ptSlash, "/"},       {ptAmpersand, "&"},
+        {ptAssign, ":="},     {ptColon, ":"},     {ptComma, ","},         {ptDotDot, ".."},
+        {ptEqual, "="},       {ptGreater, ">"},   {ptGreaterEqual, ">="}, {ptLess, "<"},
+        {ptLessEqual, "<="},  {ptNotEqual, "<>"}, {ptPlus, "+"},          {ptDot, "."},
+        {ptCloseParen, ")"},  {ptOpenParen, "("}, {ptSemicolon, ";"},     {ptCloseBracket, "]"},
+        {ptOpenBracket, "["}, {ptStar, "*"},      {ptSlash, "/"},         {ptAmpersand, "&"},
         {ptAt, "@"},          {ptCaret, "^"},
     };
     for (const auto& [k, text] : punctuators) n[k] = text;

@@ -26,9 +26,15 @@ constexpr std::array<unsigned char, 256> MakeFlags() {
 }
 inline constexpr std::array<unsigned char, 256> kFlags = MakeFlags();
 
-constexpr bool IsBlank(unsigned char c) { return kFlags[c] & fBlank; }
-constexpr bool IsIdentStart(unsigned char c) { return kFlags[c] & fIdentStart; }
-constexpr bool IsIdentChar(unsigned char c) { return kFlags[c] & fIdentChar; }
+constexpr bool IsBlank(unsigned char c) {
+  return kFlags[c] & fBlank;
+}
+constexpr bool IsIdentStart(unsigned char c) {
+  return kFlags[c] & fIdentStart;
+}
+constexpr bool IsIdentChar(unsigned char c) {
+  return kFlags[c] & fIdentChar;
+}
 
 inline int32_t SkipBlanks(const unsigned char* s, int32_t p) {
   while (kFlags[s[p]] & fBlank) ++p;

@@ -35,8 +35,7 @@ void Run(Parser& parser, const TParseOptions& options, TStringList* includeNames
 }  // namespace
 
 void ParseSourceText(TLanguage language, std::string_view unitName, const TMemoryStream& text,
-                     TClasslist& target, const TParseOptions& options,
-                     TStringList* includeNames) {
+                     TClasslist& target, const TParseOptions& options, TStringList* includeNames) {
   if (language == TLanguage::Cpp) {
     TCPPFileParser parser(unitName, 0, &target, &text);
     Run(parser, options, includeNames);

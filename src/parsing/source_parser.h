@@ -29,7 +29,6 @@ struct TParseOptions {
 /// Parses `text` (buffer form, as LoadSourceText gives it) as the unit `unitName` into
 /// `target`, and puts the include names the file names into `includeNames` when given.
 void ParseSourceText(TLanguage language, std::string_view unitName, const TMemoryStream& text,
-                     TClasslist& target, const TParseOptions& options,
-                     TStringList* includeNames);
+                     TClasslist& target, const TParseOptions& options, TStringList* includeNames);
 
 }  // namespace velmora

@@ -166,9 +166,13 @@ int TTokenizer::NextWhileIn(const TTokenKindSet& skipped) {
   return kind;
 }
 
-int TTokenizer::NextSkipComments() { return NextWhileIn(commentKinds_); }
+int TTokenizer::NextSkipComments() {
+  return NextWhileIn(commentKinds_);
+}
 
-int TTokenizer::NextSignificant() { return NextWhileIn(blankKinds_); }
+int TTokenizer::NextSignificant() {
+  return NextWhileIn(blankKinds_);
+}
 
 int TTokenizer::PrevSignificant() {
   forward_ = false;

@@ -173,8 +173,8 @@ class TTokenizer {
   /// Hands the count back to the lists.
   void EndTokens(TTokenSink sink);
 
-  TIList offsets_;   // token start offsets, then the NUL's offset; same Count as kinds_
-  TIList kinds_;     // token kinds, then 0 for the end of text
+  TIList offsets_;              // token start offsets, then the NUL's offset; same Count as kinds_
+  TIList kinds_;                // token kinds, then 0 for the end of text
   const char* text_ = nullptr;  // the whole source, NUL-terminated, not owned
   int32_t textSize_ = 0;        // as passed to SetText; the scans stop at the NUL instead
   int32_t index_ = 0;           // the cursor

@@ -38,7 +38,8 @@ constexpr auto kLowerTable = MakeLower();
 const unsigned char kAnsiUpper[256] = {
 #define V(i) kUpperTable[i]
 #define V8(i) V(i), V(i + 1), V(i + 2), V(i + 3), V(i + 4), V(i + 5), V(i + 6), V(i + 7)
-#define V64(i) V8(i), V8(i + 8), V8(i + 16), V8(i + 24), V8(i + 32), V8(i + 40), V8(i + 48), V8(i + 56)
+#define V64(i) \
+  V8(i), V8(i + 8), V8(i + 16), V8(i + 24), V8(i + 32), V8(i + 40), V8(i + 48), V8(i + 56)
     V64(0), V64(64), V64(128), V64(192)
 #undef V
 #define V(i) kLowerTable[i]

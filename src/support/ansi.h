@@ -12,8 +12,12 @@ namespace velmora {
 extern const unsigned char kAnsiUpper[256];
 extern const unsigned char kAnsiLower[256];
 
-inline char AnsiUpperChar(char c) { return static_cast<char>(kAnsiUpper[static_cast<unsigned char>(c)]); }
-inline char AnsiLowerChar(char c) { return static_cast<char>(kAnsiLower[static_cast<unsigned char>(c)]); }
+inline char AnsiUpperChar(char c) {
+  return static_cast<char>(kAnsiUpper[static_cast<unsigned char>(c)]);
+}
+inline char AnsiLowerChar(char c) {
+  return static_cast<char>(kAnsiLower[static_cast<unsigned char>(c)]);
+}
 
 std::string AnsiUpperCase(std::string_view s);
 std::string AnsiLowerCase(std::string_view s);

@@ -83,7 +83,8 @@ std::string MimePackageText() {
     xml += "  <mime-type type=\"" + std::string(type.MimeType) + "\">\n";
     xml += "    <!-- " + std::string(type.Identifier) + " -->\n";
     xml += "    <comment>" + std::string(type.Description) + "</comment>\n";
-    if (!type.BaseType.empty()) xml += "    <sub-class-of type=\"" + std::string(type.BaseType) + "\"/>\n";
+    if (!type.BaseType.empty())
+      xml += "    <sub-class-of type=\"" + std::string(type.BaseType) + "\"/>\n";
     xml += "    <icon name=\"" + std::string(IconNameOf(type.IconIndex)) + "\"/>\n";
     xml += "    <glob pattern=\"*" + std::string(type.Extension) + "\"/>\n";
     xml += "  </mime-type>\n";

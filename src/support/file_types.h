@@ -16,7 +16,7 @@ struct TFileTypeInfo {
   std::string_view Description;  ///< the comment the file manager shows
   int IconIndex;                 ///< 1: the domain icon, 2: the document icon
   std::string_view MimeType;
-  std::string_view BaseType;     ///< the type it is a kind of, "" for none
+  std::string_view BaseType;  ///< the type it is a kind of, "" for none
 };
 
 /// In order of registration.

@@ -102,8 +102,9 @@ std::string ResolveExistingFile(std::string_view path) {
 std::string ResolveIncludeFile(std::string_view name, std::string_view includingDir,
                                const std::vector<std::string>& searchPath) {
   if (name.empty()) return {};
-  const bool hasDriveLetter = name.size() >= 2 && name[1] == ':' &&
-                              ((name[0] >= 'A' && name[0] <= 'Z') || (name[0] >= 'a' && name[0] <= 'z'));
+  const bool hasDriveLetter =
+      name.size() >= 2 && name[1] == ':' &&
+      ((name[0] >= 'A' && name[0] <= 'Z') || (name[0] >= 'a' && name[0] <= 'z'));
   if (hasDriveLetter) return ResolveExistingFile(name);
   if (IsPathSeparator(name.front())) {
     // Rooted on the including file's drive. A tree written on Windows has been copied into
@@ -118,7 +119,8 @@ std::string ResolveIncludeFile(std::string_view name, std::string_view including
       if (std::string r = ResolveExistingFile(rest); !r.empty()) return r;
     for (size_t i = relative ? 0 : 1; i < includingDir.size(); ++i) {
       if (!IsPathSeparator(includingDir[i])) continue;
-      if (std::string r = ResolveExistingFile(JoinPath(includingDir.substr(0, i + 1), rest)); !r.empty())
+      if (std::string r = ResolveExistingFile(JoinPath(includingDir.substr(0, i + 1), rest));
+          !r.empty())
         return r;
     }
   } else if (std::string r = ResolveExistingFile(JoinPath(includingDir, name)); !r.empty()) {

@@ -9,7 +9,9 @@
 
 namespace velmora {
 
-inline bool IsPathSeparator(char c) { return c == '/' || c == '\\'; }
+inline bool IsPathSeparator(char c) {
+  return c == '/' || c == '\\';
+}
 
 /// The part after the last separator.
 std::string_view ExtractFileName(std::string_view path);

@@ -13,7 +13,9 @@
 namespace velmora {
 namespace {
 
-[[noreturn]] void ThrowShortRead() { throw EStreamError("Stream read error"); }
+[[noreturn]] void ThrowShortRead() {
+  throw EStreamError("Stream read error");
+}
 
 std::string SystemReason(const std::string& what, const std::string& path, int err) {
   return what + " \"" + path + "\": " + std::strerror(err);
@@ -23,7 +25,9 @@ std::string SystemReason(const std::string& what, const std::string& path, int e
 
 // ---- TStream ----
 
-bool TStream::TryReadExact(void* buffer, size_t count) { return Read(buffer, count) == count; }
+bool TStream::TryReadExact(void* buffer, size_t count) {
+  return Read(buffer, count) == count;
+}
 
 bool TStream::TryReadU16Slow(uint16_t& value) {
   unsigned char b[2];
@@ -105,18 +109,23 @@ std::string TStream::ReadString(uint32_t maxLength) {
   return v;
 }
 
-void TStream::WriteU8(uint8_t value) { Write(&value, 1); }
+void TStream::WriteU8(uint8_t value) {
+  Write(&value, 1);
+}
 void TStream::WriteU16(uint16_t value) {
-  const unsigned char b[2] = {static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8)};
+  const unsigned char b[2] = {static_cast<unsigned char>(value),
+                              static_cast<unsigned char>(value >> 8)};
   Write(b, 2);
 }
 void TStream::WriteU32(uint32_t value) {
-  const unsigned char b[4] = {static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
-                              static_cast<unsigned char>(value >> 16),
-                              static_cast<unsigned char>(value >> 24)};
+  const unsigned char b[4] = {
+      static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
+      static_cast<unsigned char>(value >> 16), static_cast<unsigned char>(value >> 24)};
   Write(b, 4);
 }
-void TStream::WriteI32(int32_t value) { WriteU32(static_cast<uint32_t>(value)); }
+void TStream::WriteI32(int32_t value) {
+  WriteU32(static_cast<uint32_t>(value));
+}
 void TStream::WriteString(std::string_view value) {
   WriteU32(static_cast<uint32_t>(value.size()));
   Write(value.data(), value.size());
@@ -141,7 +150,9 @@ void TMemoryStream::Write(const void* buffer, size_t count) {
   blockPosition_ = static_cast<int64_t>(end);
 }
 
-void TMemoryStream::Seek(int64_t position) { blockPosition_ = std::clamp<int64_t>(position, 0, Size()); }
+void TMemoryStream::Seek(int64_t position) {
+  blockPosition_ = std::clamp<int64_t>(position, 0, Size());
+}
 
 void TMemoryStream::Clear() {
   data_.clear();
@@ -153,7 +164,9 @@ void TMemoryStream::LoadFromFile(const std::string& path) {
   blockPosition_ = 0;
 }
 
-void TMemoryStream::SaveToFile(const std::string& path) const { WriteFileAtomically(path, data_); }
+void TMemoryStream::SaveToFile(const std::string& path) const {
+  WriteFileAtomically(path, data_);
+}
 
 // ---- TFileStream ----
 
@@ -184,7 +197,8 @@ void TFileStream::Write(const void* buffer, size_t count) {
   while (done < count) {
     const ssize_t n = ::write(fd_, static_cast<const char*>(buffer) + done, count - done);
     if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) throw EStreamError(SystemReason("Cannot write file", path_, n < 0 ? errno : ENOSPC));
+    if (n <= 0)
+      throw EStreamError(SystemReason("Cannot write file", path_, n < 0 ? errno : ENOSPC));
     done += static_cast<size_t>(n);
   }
   position_ += static_cast<int64_t>(done);

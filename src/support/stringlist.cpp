@@ -109,16 +109,14 @@ bool TStringList::Find(std::string_view s, int& index) const {
     return false;
   }
   // The first block whose last entry is not below `s` holds the lower bound, if any does.
-  const auto block = std::partition_point(blocks_.begin(), blocks_.end(), [&](const auto& b) {
-    return Compare(b.back().text, s) < 0;
-  });
+  const auto block = std::partition_point(
+      blocks_.begin(), blocks_.end(), [&](const auto& b) { return Compare(b.back().text, s) < 0; });
   if (block == blocks_.end()) {
     index = count_;
     return false;
   }
-  const auto entry = std::partition_point(block->begin(), block->end(), [&](const Entry& e) {
-    return Compare(e.text, s) < 0;
-  });
+  const auto entry = std::partition_point(block->begin(), block->end(),
+                                          [&](const Entry& e) { return Compare(e.text, s) < 0; });
   index = starts_[block - blocks_.begin()] + static_cast<int>(entry - block->begin());
   return entry != block->end() && Compare(entry->text, s) == 0;
 }
@@ -220,13 +218,14 @@ void TStringList::Delete(int index) {
   }
 }
 
-void TStringList::Exchange(int a, int b) { std::swap(At(a), At(b)); }
+void TStringList::Exchange(int a, int b) {
+  std::swap(At(a), At(b));
+}
 
 void TStringList::Sort() {
   std::vector<Entry> all = Flatten();
-  std::stable_sort(all.begin(), all.end(), [this](const Entry& x, const Entry& y) {
-    return Compare(x.text, y.text) < 0;
-  });
+  std::stable_sort(all.begin(), all.end(),
+                   [this](const Entry& x, const Entry& y) { return Compare(x.text, y.text) < 0; });
   Rebuild(std::move(all));
 }
 

@@ -44,7 +44,9 @@ sem_t* CreateUnlinked(const std::string& systemName, unsigned initialCount) {
   return semaphore;
 }
 
-std::string WithProcessId(const char* prefix) { return prefix + std::to_string(::getpid()); }
+std::string WithProcessId(const char* prefix) {
+  return prefix + std::to_string(::getpid());
+}
 
 }  // namespace
 
@@ -71,7 +73,9 @@ THandledObject::~THandledObject() {
   delete handle_;
 }
 
-const std::string& THandledObject::Name() const { return handle_->name; }
+const std::string& THandledObject::Name() const {
+  return handle_->name;
+}
 
 TWaitResult THandledObject::WaitFor(uint32_t timeoutMs) {
   sem_t* semaphore = handle_->semaphore;

@@ -74,7 +74,9 @@ class TSemaphore : public THandledObject {
 class TMutex : public THandledObject {
  public:
   explicit TMutex(std::string_view name) : THandledObject(name, 1) {}
-  bool Acquire(uint32_t timeoutMs = kInfinite) { return WaitFor(timeoutMs) == TWaitResult::Signaled; }
+  bool Acquire(uint32_t timeoutMs = kInfinite) {
+    return WaitFor(timeoutMs) == TWaitResult::Signaled;
+  }
   void Release() { Signal(); }
 };
 

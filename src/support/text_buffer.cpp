@@ -58,6 +58,8 @@ std::string FromBufferForm(std::string_view text, TLineEndStyle style) {
   return out;
 }
 
-std::string LoadSourceText(const std::string& path) { return ToBufferForm(ReadWholeFile(path)); }
+std::string LoadSourceText(const std::string& path) {
+  return ToBufferForm(ReadWholeFile(path));
+}
 
 }  // namespace velmora

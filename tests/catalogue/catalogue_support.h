@@ -11,9 +11,9 @@
 namespace velmora::catalogue {
 
 struct TRunResult {
-  int ExitCode = -1;     ///< -1 when the command did not exit normally
-  int Signal = 0;        ///< the signal that ended it, if one did
-  bool TimedOut = false; ///< it was killed after the time limit: a hang
+  int ExitCode = -1;      ///< -1 when the command did not exit normally
+  int Signal = 0;         ///< the signal that ended it, if one did
+  bool TimedOut = false;  ///< it was killed after the time limit: a hang
   std::string Out;
   std::string Err;
 };

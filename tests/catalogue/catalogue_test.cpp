@@ -52,7 +52,9 @@ std::string U32(uint32_t v) {
   return s;
 }
 
-std::string Str(std::string_view s) { return U32(static_cast<uint32_t>(s.size())) + std::string(s); }
+std::string Str(std::string_view s) {
+  return U32(static_cast<uint32_t>(s.size())) + std::string(s);
+}
 
 std::string Overwrite(std::string bytes, size_t at, const std::string& with) {
   bytes.replace(at, with.size(), with);
@@ -90,7 +92,8 @@ const TSavedModel& ExampleModel() {
   static const TSavedModel model = [] {
     TFilesList files;
     TClasslist classes;
-    for (const auto& entry : fs::directory_iterator(fs::path(VELMORA_SOURCE_DIR) / "examples/KilnLog")) {
+    for (const auto& entry :
+         fs::directory_iterator(fs::path(VELMORA_SOURCE_DIR) / "examples/KilnLog")) {
       const std::string name = entry.path().filename().string();
       if (entry.path().extension() != ".h" && entry.path().extension() != ".pas") continue;
       auto file = std::make_unique<TFileDescription>(LanguageOfFile(name));
@@ -123,8 +126,8 @@ std::string NestedClassFile(int depth) {
   TClasslist().SaveToStream(empty);
   // The empty model ends in the class, routine and include counts.
   std::string bytes = empty.Data().substr(0, empty.Data().size() - 12) + U32(1);
-  const std::string classStart = Str("TNest") + '\1' + Repeat(U32(0), 4) + U32(0) +
-                                 Str("Nest.h") + '\0' + Str("") + Str("") + U32(0) + U32(0);
+  const std::string classStart = Str("TNest") + '\1' + Repeat(U32(0), 4) + U32(0) + Str("Nest.h") +
+                                 '\0' + Str("") + Str("") + U32(0) + U32(0);
   for (int i = 0; i < depth; ++i) bytes += '\1' + classStart + '\1' + U32(1);
   bytes += '\1' + classStart + '\0';
   return bytes + U32(0) + U32(0);
@@ -142,20 +145,49 @@ TEST(CatalogueTest, DamagedClassInformationFiles) {
   const std::string classes = "classes: " + std::to_string(m.Classes) + "\n";
   const std::vector<TClassInfoCase> cases = {
       {.Name = "empty file", .Bytes = [] { return std::string(); }, .Reason = kInvalidVersion},
-      {.Name = "cut inside the banner", .Bytes = [&] { return m.Bytes.substr(0, 60); }, .Reason = kInvalidVersion},
-      {.Name = "foreign banner", .Bytes = [&] { return Overwrite(m.Bytes, 0, "X"); }, .Reason = kInvalidVersion},
-      {.Name = "older version", .Bytes = [&] { return Overwrite(m.Bytes, 101, U32(0xF0F1F2F3)); }, .Reason = kInvalidVersion},
-      {.Name = "cut inside the files", .Bytes = [&] { return m.Bytes.substr(0, m.DomainMarkerAt - 3); }, .Reason = kUnexpectedEndOfFile},
-      {.Name = "file name of 4 GB", .Bytes = [&] { return Overwrite(m.Bytes, 109, U32(0xFFFFFFF0)); }, .Reason = kUnexpectedEndOfFile},
-      {.Name = "4 billion files", .Bytes = [&] { return Overwrite(m.Bytes, 105, U32(0xFFFFFFFF)); }, .Reason = kUnexpectedEndOfFile},
-      {.Name = "wrong domain marker", .Bytes = [&] { return Overwrite(m.Bytes, m.DomainMarkerAt, U32(0)); }, .Reason = kFilesRestored},
-      {.Name = "4 billion domains", .Bytes = [&] { return Overwrite(m.Bytes, m.DomainMarkerAt + 4, U32(0xFFFFFFFF)); }, .Reason = kUnexpectedEndOfFile},
-      {.Name = "wrong class marker", .Bytes = [&] { return Overwrite(m.Bytes, m.ClassMarkerAt, U32(0)); }, .Reason = kFilesAndDomainsRestored},
-      {.Name = "4 billion classes", .Bytes = [&] { return Overwrite(m.Bytes, m.ClassCountAt, U32(0xFFFFFFFF)); }, .Reason = kUnexpectedEndOfFile},
-      {.Name = "cut inside the classes", .Bytes = [&] { return m.Bytes.substr(0, m.Bytes.size() - 40); }, .Reason = kUnexpectedEndOfFile},
-      {.Name = "classes nested 100,000 deep", .Bytes = [] { return NestedClassFile(k100k); }, .Reason = kNestedTooDeeply},
-      {.Name = "random bytes after the banner", .Bytes = [&] { return m.Bytes.substr(0, 105) + RandomBytes(100000, 7); }, .Reason = kUnexpectedEndOfFile},
-      {.Name = "junk after a whole file", .Bytes = [&] { return m.Bytes + RandomBytes(1000, 8); }, .Reason = nullptr, .Out = classes},
+      {.Name = "cut inside the banner",
+       .Bytes = [&] { return m.Bytes.substr(0, 60); },
+       .Reason = kInvalidVersion},
+      {.Name = "foreign banner",
+       .Bytes = [&] { return Overwrite(m.Bytes, 0, "X"); },
+       .Reason = kInvalidVersion},
+      {.Name = "older version",
+       .Bytes = [&] { return Overwrite(m.Bytes, 101, U32(0xF0F1F2F3)); },
+       .Reason = kInvalidVersion},
+      {.Name = "cut inside the files",
+       .Bytes = [&] { return m.Bytes.substr(0, m.DomainMarkerAt - 3); },
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "file name of 4 GB",
+       .Bytes = [&] { return Overwrite(m.Bytes, 109, U32(0xFFFFFFF0)); },
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "4 billion files",
+       .Bytes = [&] { return Overwrite(m.Bytes, 105, U32(0xFFFFFFFF)); },
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "wrong domain marker",
+       .Bytes = [&] { return Overwrite(m.Bytes, m.DomainMarkerAt, U32(0)); },
+       .Reason = kFilesRestored},
+      {.Name = "4 billion domains",
+       .Bytes = [&] { return Overwrite(m.Bytes, m.DomainMarkerAt + 4, U32(0xFFFFFFFF)); },
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "wrong class marker",
+       .Bytes = [&] { return Overwrite(m.Bytes, m.ClassMarkerAt, U32(0)); },
+       .Reason = kFilesAndDomainsRestored},
+      {.Name = "4 billion classes",
+       .Bytes = [&] { return Overwrite(m.Bytes, m.ClassCountAt, U32(0xFFFFFFFF)); },
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "cut inside the classes",
+       .Bytes = [&] { return m.Bytes.substr(0, m.Bytes.size() - 40); },
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "classes nested 100,000 deep",
+       .Bytes = [] { return NestedClassFile(k100k); },
+       .Reason = kNestedTooDeeply},
+      {.Name = "random bytes after the banner",
+       .Bytes = [&] { return m.Bytes.substr(0, 105) + RandomBytes(100000, 7); },
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "junk after a whole file",
+       .Bytes = [&] { return m.Bytes + RandomBytes(1000, 8); },
+       .Reason = nullptr,
+       .Out = classes},
       {.Name = "intact file", .Bytes = [&] { return m.Bytes; }, .Reason = nullptr, .Out = classes},
   };
   for (const TClassInfoCase& c : cases) {
@@ -211,17 +243,50 @@ TEST(CatalogueTest, DamagedDomainFiles) {
   const size_t countAt = 16 + kDomainFileBanner.size();
   const std::vector<TDomainCase> cases = {
       {.Name = "intact file", .Bytes = [](auto& b) { return b; }, .Domains = 2, .Reason = nullptr},
-      {.Name = "empty file", .Bytes = [](auto&) { return std::string(); }, .Domains = 0, .Reason = nullptr},
-      {.Name = "wrong first magic", .Bytes = [](auto& b) { return Overwrite(b, 0, U32(10005)); }, .Domains = 0, .Reason = nullptr},
-      {.Name = "wrong second magic", .Bytes = [](auto& b) { return Overwrite(b, 4, U32(10007)); }, .Domains = 0, .Reason = nullptr},
-      {.Name = "banner length 80", .Bytes = [](auto& b) { return Overwrite(b, 8, U32(80)); }, .Domains = 0, .Reason = nullptr},
-      {.Name = "banner count 80", .Bytes = [](auto& b) { return Overwrite(b, 12, U32(80)); }, .Domains = 0, .Reason = nullptr},
-      {.Name = "banner text changed", .Bytes = [](auto& b) { return Overwrite(b, 20, "x"); }, .Domains = 0, .Reason = nullptr},
-      {.Name = "cut inside the header", .Bytes = [](auto& b) { return b.substr(0, 30); }, .Domains = 0, .Reason = nullptr},
-      {.Name = "cut inside the domains", .Bytes = [](auto& b) { return b.substr(0, b.size() - 5); }, .Domains = 1, .Reason = kUnexpectedEndOfFile},
-      {.Name = "4 billion domains", .Bytes = [=](auto& b) { return Overwrite(b, countAt, U32(0xFFFFFFFF)); }, .Domains = 2, .Reason = kUnexpectedEndOfFile},
-      {.Name = "domain name of 4 GB", .Bytes = [=](auto& b) { return Overwrite(b, countAt + 4, U32(0xFFFFFFF0)); }, .Domains = 0, .Reason = kUnexpectedEndOfFile},
-      {.Name = "random bytes after the header", .Bytes = [=](auto& b) { return b.substr(0, countAt) + RandomBytes(5000, 3); }, .Domains = -1, .Reason = kUnexpectedEndOfFile},
+      {.Name = "empty file",
+       .Bytes = [](auto&) { return std::string(); },
+       .Domains = 0,
+       .Reason = nullptr},
+      {.Name = "wrong first magic",
+       .Bytes = [](auto& b) { return Overwrite(b, 0, U32(10005)); },
+       .Domains = 0,
+       .Reason = nullptr},
+      {.Name = "wrong second magic",
+       .Bytes = [](auto& b) { return Overwrite(b, 4, U32(10007)); },
+       .Domains = 0,
+       .Reason = nullptr},
+      {.Name = "banner length 80",
+       .Bytes = [](auto& b) { return Overwrite(b, 8, U32(80)); },
+       .Domains = 0,
+       .Reason = nullptr},
+      {.Name = "banner count 80",
+       .Bytes = [](auto& b) { return Overwrite(b, 12, U32(80)); },
+       .Domains = 0,
+       .Reason = nullptr},
+      {.Name = "banner text changed",
+       .Bytes = [](auto& b) { return Overwrite(b, 20, "x"); },
+       .Domains = 0,
+       .Reason = nullptr},
+      {.Name = "cut inside the header",
+       .Bytes = [](auto& b) { return b.substr(0, 30); },
+       .Domains = 0,
+       .Reason = nullptr},
+      {.Name = "cut inside the domains",
+       .Bytes = [](auto& b) { return b.substr(0, b.size() - 5); },
+       .Domains = 1,
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "4 billion domains",
+       .Bytes = [=](auto& b) { return Overwrite(b, countAt, U32(0xFFFFFFFF)); },
+       .Domains = 2,
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "domain name of 4 GB",
+       .Bytes = [=](auto& b) { return Overwrite(b, countAt + 4, U32(0xFFFFFFF0)); },
+       .Domains = 0,
+       .Reason = kUnexpectedEndOfFile},
+      {.Name = "random bytes after the header",
+       .Bytes = [=](auto& b) { return b.substr(0, countAt) + RandomBytes(5000, 3); },
+       .Domains = -1,
+       .Reason = kUnexpectedEndOfFile},
   };
   const std::string intact = DomainFileBytes();
   for (const TDomainCase& c : cases) {
@@ -232,7 +297,8 @@ TEST(CatalogueTest, DamagedDomainFiles) {
     TDomainList domains;
     const TModelFileOutcome outcome = LoadDomainFileReported(path, "Kiln", domains);
     EXPECT_EQ(outcome.Ok, c.Reason == nullptr) << c.Name;
-    EXPECT_EQ(outcome.Message, c.Reason ? FormatMessage(kDomainInfoLoadFailed, {"Kiln", c.Reason}) : "")
+    EXPECT_EQ(outcome.Message,
+              c.Reason ? FormatMessage(kDomainInfoLoadFailed, {"Kiln", c.Reason}) : "")
         << c.Name;
     if (c.Domains >= 0) {
       EXPECT_EQ(domains.Count(), c.Domains) << c.Name;
@@ -248,15 +314,18 @@ TEST(CatalogueTest, MissingOrUnreadableDomainFile) {
     const char* Name;
     const char* Reason;
   } cases[] = {
-      {.Name = "Missing.domain", .Reason = "Cannot open file \"{dir}/Missing.domain\": No such file or directory"},
-      {.Name = "Folder.domain", .Reason = "Cannot read file \"{dir}/Folder.domain\": Is a directory"},
+      {.Name = "Missing.domain",
+       .Reason = "Cannot open file \"{dir}/Missing.domain\": No such file or directory"},
+      {.Name = "Folder.domain",
+       .Reason = "Cannot read file \"{dir}/Folder.domain\": Is a directory"},
   };
   for (const auto& c : cases) {
     TDomainList domains;
     const TModelFileOutcome outcome =
         LoadDomainFileReported((dir.Path() / c.Name).string(), "Kiln", domains);
     EXPECT_FALSE(outcome.Ok) << c.Name;
-    EXPECT_EQ(outcome.Message, FormatMessage(kDomainInfoLoadFailed, {"Kiln", Expand(c.Reason, dir.Path())}))
+    EXPECT_EQ(outcome.Message,
+              FormatMessage(kDomainInfoLoadFailed, {"Kiln", Expand(c.Reason, dir.Path())}))
         << c.Name;
   }
 }
@@ -276,58 +345,187 @@ struct TSourceCase {
   TMaker Make;
   std::vector<std::string> Args;  // after "dump --stats"; "{dir}" is the case's folder
   int ExitCode = 0;
-  std::string Err = {};            // the whole of stderr
+  std::string Err = {};               // the whole of stderr
   std::vector<std::string> Out = {};  // lines the counts must hold
 };
 
 const std::string kClassCpp = "class TBefore : public TObject { int FValue; };\r\n";
-const std::string kClassPas = "unit Before;\r\ninterface\r\ntype\r\n  TBefore = class(TObject)\r\n    FValue: Integer;\r\n  end;\r\n";
+const std::string kClassPas =
+    "unit Before;\r\ninterface\r\ntype\r\n  TBefore = class(TObject)\r\n    FValue: Integer;\r\n  "
+    "end;\r\n";
 
 std::vector<TSourceCase> SourceCases() {
   const std::string program = VELMORA_BINARY;
   return {
       // Binary files.
-      {.Name = "random bytes as C++", .Make = Files({{"noise.cpp", RandomBytes(1 << 20, 1)}}), .Args = {"{dir}/noise.cpp"}, .Out = {"files: 1\n"}},
-      {.Name = "random bytes as Pascal", .Make = Files({{"noise.pas", RandomBytes(1 << 20, 2)}}), .Args = {"{dir}/noise.pas"}, .Out = {"files: 1\n"}},
-      {.Name = "a program as C++", .Make = [=](auto& d) { fs::create_symlink(program, d / "program.h"); }, .Args = {"{dir}/program.h"}, .Out = {"files: 1\n"}},
-      {.Name = "a program as Pascal", .Make = [=](auto& d) { fs::create_symlink(program, d / "program.pas"); }, .Args = {"{dir}/program.pas"}, .Out = {"files: 1\n"}},
+      {.Name = "random bytes as C++",
+       .Make = Files({{"noise.cpp", RandomBytes(1 << 20, 1)}}),
+       .Args = {"{dir}/noise.cpp"},
+       .Out = {"files: 1\n"}},
+      {.Name = "random bytes as Pascal",
+       .Make = Files({{"noise.pas", RandomBytes(1 << 20, 2)}}),
+       .Args = {"{dir}/noise.pas"},
+       .Out = {"files: 1\n"}},
+      {.Name = "a program as C++",
+       .Make = [=](auto& d) { fs::create_symlink(program, d / "program.h"); },
+       .Args = {"{dir}/program.h"},
+       .Out = {"files: 1\n"}},
+      {.Name = "a program as Pascal",
+       .Make = [=](auto& d) { fs::create_symlink(program, d / "program.pas"); },
+       .Args = {"{dir}/program.pas"},
+       .Out = {"files: 1\n"}},
       // One line of 10 MB after a class.
-      {.Name = "10 MB identifier", .Make = Files({{"long.h", kClassCpp + Repeat("a", k10MB)}}), .Args = {"{dir}/long.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "10 MB expression", .Make = Files({{"long.h", kClassCpp + Repeat("a+", k10MB / 2)}}), .Args = {"{dir}/long.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "10 MB open comment", .Make = Files({{"long.h", kClassCpp + "/*" + Repeat("x", k10MB)}}), .Args = {"{dir}/long.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "10 MB open string", .Make = Files({{"long.h", kClassCpp + "\"" + Repeat("x", k10MB)}}), .Args = {"{dir}/long.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "10 MB Pascal line", .Make = Files({{"Long.pas", kClassPas + Repeat("x,", k10MB / 2)}}), .Args = {"{dir}/Long.pas"}, .Out = {"classes: 1\n"}},
-      {.Name = "10 MB open brace comment", .Make = Files({{"Long.pas", kClassPas + "{" + Repeat("x", k10MB)}}), .Args = {"{dir}/Long.pas"}, .Out = {"classes: 1\n"}},
+      {.Name = "10 MB identifier",
+       .Make = Files({{"long.h", kClassCpp + Repeat("a", k10MB)}}),
+       .Args = {"{dir}/long.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "10 MB expression",
+       .Make = Files({{"long.h", kClassCpp + Repeat("a+", k10MB / 2)}}),
+       .Args = {"{dir}/long.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "10 MB open comment",
+       .Make = Files({{"long.h", kClassCpp + "/*" + Repeat("x", k10MB)}}),
+       .Args = {"{dir}/long.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "10 MB open string",
+       .Make = Files({{"long.h", kClassCpp + "\"" + Repeat("x", k10MB)}}),
+       .Args = {"{dir}/long.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "10 MB Pascal line",
+       .Make = Files({{"Long.pas", kClassPas + Repeat("x,", k10MB / 2)}}),
+       .Args = {"{dir}/Long.pas"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "10 MB open brace comment",
+       .Make = Files({{"Long.pas", kClassPas + "{" + Repeat("x", k10MB)}}),
+       .Args = {"{dir}/Long.pas"},
+       .Out = {"classes: 1\n"}},
       // 100,000 levels of nesting.
-      {.Name = "C++ braces", .Make = Files({{"deep.h", Repeat("{", k100k)}}), .Args = {"{dir}/deep.h"}, .Out = {"classes: 0\n"}},
-      {.Name = "C++ parentheses in a declaration", .Make = Files({{"deep.h", kClassCpp + "void f" + Repeat("(", k100k)}}), .Args = {"{dir}/deep.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "C++ template brackets", .Make = Files({{"deep.h", kClassCpp + "template " + Repeat("<", k100k)}}), .Args = {"{dir}/deep.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "C++ classes, unclosed", .Make = Files({{"deep.h", Repeat("class A { ", k100k)}}), .Args = {"{dir}/deep.h"}, .Out = {"files: 1\n"}},
-      {.Name = "C++ classes, closed", .Make = Files({{"deep.h", Repeat("struct S { ", k100k) + Repeat("}; ", k100k) + kClassCpp}}), .Args = {"{dir}/deep.h"}, .Out = {"files: 1\n"}},
-      {.Name = "Pascal parentheses", .Make = Files({{"Deep.pas", kClassPas + Repeat("(", k100k)}}), .Args = {"{dir}/Deep.pas"}, .Out = {"classes: 1\n"}},
-      {.Name = "Pascal records", .Make = Files({{"Deep.pas", kClassPas + "  T = " + Repeat("record A: ", k100k)}}), .Args = {"{dir}/Deep.pas"}, .Out = {"classes: 1\n"}},
-      {.Name = "Pascal classes", .Make = Files({{"Deep.pas", kClassPas + Repeat("  T = class(TObject) ", k100k)}}), .Args = {"{dir}/Deep.pas"}, .Out = {"files: 1\n"}},
+      {.Name = "C++ braces",
+       .Make = Files({{"deep.h", Repeat("{", k100k)}}),
+       .Args = {"{dir}/deep.h"},
+       .Out = {"classes: 0\n"}},
+      {.Name = "C++ parentheses in a declaration",
+       .Make = Files({{"deep.h", kClassCpp + "void f" + Repeat("(", k100k)}}),
+       .Args = {"{dir}/deep.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "C++ template brackets",
+       .Make = Files({{"deep.h", kClassCpp + "template " + Repeat("<", k100k)}}),
+       .Args = {"{dir}/deep.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "C++ classes, unclosed",
+       .Make = Files({{"deep.h", Repeat("class A { ", k100k)}}),
+       .Args = {"{dir}/deep.h"},
+       .Out = {"files: 1\n"}},
+      {.Name = "C++ classes, closed",
+       .Make = Files({{"deep.h", Repeat("struct S { ", k100k) + Repeat("}; ", k100k) + kClassCpp}}),
+       .Args = {"{dir}/deep.h"},
+       .Out = {"files: 1\n"}},
+      {.Name = "Pascal parentheses",
+       .Make = Files({{"Deep.pas", kClassPas + Repeat("(", k100k)}}),
+       .Args = {"{dir}/Deep.pas"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "Pascal records",
+       .Make = Files({{"Deep.pas", kClassPas + "  T = " + Repeat("record A: ", k100k)}}),
+       .Args = {"{dir}/Deep.pas"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "Pascal classes",
+       .Make = Files({{"Deep.pas", kClassPas + Repeat("  T = class(TObject) ", k100k)}}),
+       .Args = {"{dir}/Deep.pas"},
+       .Out = {"files: 1\n"}},
       // The text ends at a NUL byte: what comes after it is not read.
-      {.Name = "NUL inside C++", .Make = Files({{"nul.h", kClassCpp + std::string(1, '\0') + "class TAfter {};\r\n"}}), .Args = {"{dir}/nul.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "NUL inside Pascal", .Make = Files({{"Nul.pas", kClassPas + std::string(1, '\0') + "  TAfter = class end;\r\n"}}), .Args = {"{dir}/Nul.pas"}, .Out = {"classes: 1\n"}},
+      {.Name = "NUL inside C++",
+       .Make = Files({{"nul.h", kClassCpp + std::string(1, '\0') + "class TAfter {};\r\n"}}),
+       .Args = {"{dir}/nul.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "NUL inside Pascal",
+       .Make = Files({{"Nul.pas", kClassPas + std::string(1, '\0') + "  TAfter = class end;\r\n"}}),
+       .Args = {"{dir}/Nul.pas"},
+       .Out = {"classes: 1\n"}},
       // File names that are not ASCII.
-      {.Name = "UTF-8 file name", .Make = Files({{"\xC3\x9C" "bersicht.h", kClassCpp}}), .Args = {"{dir}/\xC3\x9C" "bersicht.h"}, .Out = {"classes: 1\n"}},
-      {.Name = "Windows-1252 file name", .Make = Files({{"\xC4rger.pas", kClassPas}}), .Args = {"{dir}/\xC4rger.pas"}, .Out = {"classes: 1\n"}},
-      {.Name = "Windows-1252 folder and include", .Make = Files({{"\xE9t\xE9/main.h", "#include \"d\xE9j\xE0.h\"\r\n"}, {"\xE9t\xE9/d\xE9j\xE0.h", kClassCpp}}), .Args = {"--follow-includes", "{dir}/\xE9t\xE9/main.h"}, .Out = {"files: 2\n", "classes: 1\n"}},
+      {.Name = "UTF-8 file name",
+       .Make = Files({{"\xC3\x9C"
+                       "bersicht.h",
+                       kClassCpp}}),
+       .Args = {"{dir}/\xC3\x9C"
+                "bersicht.h"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "Windows-1252 file name",
+       .Make = Files({{"\xC4rger.pas", kClassPas}}),
+       .Args = {"{dir}/\xC4rger.pas"},
+       .Out = {"classes: 1\n"}},
+      {.Name = "Windows-1252 folder and include",
+       .Make = Files({{"\xE9t\xE9/main.h", "#include \"d\xE9j\xE0.h\"\r\n"},
+                      {"\xE9t\xE9/d\xE9j\xE0.h", kClassCpp}}),
+       .Args = {"--follow-includes", "{dir}/\xE9t\xE9/main.h"},
+       .Out = {"files: 2\n", "classes: 1\n"}},
       // Includes that go round or lead nowhere.
-      {.Name = "C++ include cycle", .Make = Files({{"a.h", "#include \"b.h\"\r\n" + kClassCpp}, {"b.h", "#include \"a.h\"\r\n"}}), .Args = {"--follow-includes", "{dir}/a.h"}, .Out = {"files: 2\n", "classes: 1\n"}},
-      {.Name = "C++ file including itself", .Make = Files({{"self.h", "#include \"SELF.H\"\r\n#include \"self.h\"\r\n" + kClassCpp}}), .Args = {"--follow-includes", "{dir}/self.h"}, .Out = {"files: 1\n", "classes: 1\n"}},
-      {.Name = "Pascal include cycle", .Make = Files({{"Unit1.pas", kClassPas + "{$I a.inc}\r\n"}, {"a.inc", "{$I b.inc}\r\n"}, {"b.inc", "{$I A.INC}\r\n"}}), .Args = {"--follow-includes", "{dir}/Unit1.pas"}, .Out = {"files: 3\n", "classes: 1\n"}},
-      {.Name = "missing includes", .Make = Files({{"main.h", "#include \"missing.h\"\r\n#include \"sub/none.h\"\r\n" + kClassCpp}}), .Args = {"--follow-includes", "{dir}/main.h"}, .Out = {"files: 1\n", "classes: 1\n"}},
-      {.Name = "missing Pascal include", .Make = Files({{"Unit1.pas", kClassPas + "{$I nothere.inc}\r\n"}}), .Args = {"--follow-includes", "{dir}/Unit1.pas"}, .Out = {"files: 1\n"}},
-      {.Name = "include naming a folder", .Make = [](auto& d) { Files({{"main.h", "#include \"sub\"\r\n" + kClassCpp}})(d); fs::create_directory(d / "sub"); }, .Args = {"--follow-includes", "{dir}/main.h"}, .Out = {"files: 1\n"}},
-      {.Name = "include naming a pipe", .Make = [](auto& d) { Files({{"main.h", "#include \"pipe.h\"\r\n" + kClassCpp}})(d); ::mkfifo((d / "pipe.h").c_str(), 0600); }, .Args = {"--follow-includes", "{dir}/main.h"}, .Out = {"files: 1\n"}},
+      {.Name = "C++ include cycle",
+       .Make =
+           Files({{"a.h", "#include \"b.h\"\r\n" + kClassCpp}, {"b.h", "#include \"a.h\"\r\n"}}),
+       .Args = {"--follow-includes", "{dir}/a.h"},
+       .Out = {"files: 2\n", "classes: 1\n"}},
+      {.Name = "C++ file including itself",
+       .Make = Files({{"self.h", "#include \"SELF.H\"\r\n#include \"self.h\"\r\n" + kClassCpp}}),
+       .Args = {"--follow-includes", "{dir}/self.h"},
+       .Out = {"files: 1\n", "classes: 1\n"}},
+      {.Name = "Pascal include cycle",
+       .Make = Files({{"Unit1.pas", kClassPas + "{$I a.inc}\r\n"},
+                      {"a.inc", "{$I b.inc}\r\n"},
+                      {"b.inc", "{$I A.INC}\r\n"}}),
+       .Args = {"--follow-includes", "{dir}/Unit1.pas"},
+       .Out = {"files: 3\n", "classes: 1\n"}},
+      {.Name = "missing includes",
+       .Make =
+           Files({{"main.h", "#include \"missing.h\"\r\n#include \"sub/none.h\"\r\n" + kClassCpp}}),
+       .Args = {"--follow-includes", "{dir}/main.h"},
+       .Out = {"files: 1\n", "classes: 1\n"}},
+      {.Name = "missing Pascal include",
+       .Make = Files({{"Unit1.pas", kClassPas + "{$I nothere.inc}\r\n"}}),
+       .Args = {"--follow-includes", "{dir}/Unit1.pas"},
+       .Out = {"files: 1\n"}},
+      {.Name = "include naming a folder",
+       .Make =
+           [](auto& d) {
+             Files({{"main.h", "#include \"sub\"\r\n" + kClassCpp}})(d);
+             fs::create_directory(d / "sub");
+           },
+       .Args = {"--follow-includes", "{dir}/main.h"},
+       .Out = {"files: 1\n"}},
+      {.Name = "include naming a pipe",
+       .Make =
+           [](auto& d) {
+             Files({{"main.h", "#include \"pipe.h\"\r\n" + kClassCpp}})(d);
+             ::mkfifo((d / "pipe.h").c_str(), 0600);
+           },
+       .Args = {"--follow-includes", "{dir}/main.h"},
+       .Out = {"files: 1\n"}},
       // Named files that cannot be read: a message, and the others are still parsed.
-      {.Name = "missing file", .Make = Files({{"ok.h", kClassCpp}}), .Args = {"{dir}/missing.cpp", "{dir}/ok.h"}, .ExitCode = 1, .Err = "velmora: Cannot open file \"{dir}/missing.cpp\": No such file or directory\n", .Out = {"classes: 1\n"}},
-      {.Name = "a folder", .Make = [](auto& d) { fs::create_directory(d / "folder.cpp"); }, .Args = {"{dir}/folder.cpp"}, .ExitCode = 1, .Err = "velmora: Cannot read file \"{dir}/folder.cpp\": Is a directory\n"},
-      {.Name = "dangling link", .Make = [](auto& d) { fs::create_symlink(d / "gone.h", d / "link.h"); }, .Args = {"{dir}/link.h"}, .ExitCode = 1, .Err = "velmora: Cannot open file \"{dir}/link.h\": No such file or directory\n"},
-      {.Name = "a pipe", .Make = [](auto& d) { ::mkfifo((d / "pipe.cpp").c_str(), 0600); }, .Args = {"{dir}/pipe.cpp"}, .ExitCode = 1, .Err = "velmora: Cannot read file \"{dir}/pipe.cpp\": not a regular file\n"},
-      {.Name = "an endless device", .Make = Files({}), .Args = {"/dev/zero"}, .ExitCode = 1, .Err = "velmora: Cannot read file \"/dev/zero\": not a regular file\n"},
+      {.Name = "missing file",
+       .Make = Files({{"ok.h", kClassCpp}}),
+       .Args = {"{dir}/missing.cpp", "{dir}/ok.h"},
+       .ExitCode = 1,
+       .Err = "velmora: Cannot open file \"{dir}/missing.cpp\": No such file or directory\n",
+       .Out = {"classes: 1\n"}},
+      {.Name = "a folder",
+       .Make = [](auto& d) { fs::create_directory(d / "folder.cpp"); },
+       .Args = {"{dir}/folder.cpp"},
+       .ExitCode = 1,
+       .Err = "velmora: Cannot read file \"{dir}/folder.cpp\": Is a directory\n"},
+      {.Name = "dangling link",
+       .Make = [](auto& d) { fs::create_symlink(d / "gone.h", d / "link.h"); },
+       .Args = {"{dir}/link.h"},
+       .ExitCode = 1,
+       .Err = "velmora: Cannot open file \"{dir}/link.h\": No such file or directory\n"},
+      {.Name = "a pipe",
+       .Make = [](auto& d) { ::mkfifo((d / "pipe.cpp").c_str(), 0600); },
+       .Args = {"{dir}/pipe.cpp"},
+       .ExitCode = 1,
+       .Err = "velmora: Cannot read file \"{dir}/pipe.cpp\": not a regular file\n"},
+      {.Name = "an endless device",
+       .Make = Files({}),
+       .Args = {"/dev/zero"},
+       .ExitCode = 1,
+       .Err = "velmora: Cannot read file \"/dev/zero\": not a regular file\n"},
   };
 }
 
@@ -354,14 +552,16 @@ TEST(CatalogueTest, UnreadableSourceFile) {
   fs::permissions(dir.Path() / "locked.h", fs::perms::none);
   const TRunResult r = RunVelmora({"dump", (dir.Path() / "locked.h").string()});
   EXPECT_EQ(r.ExitCode, 1);
-  EXPECT_EQ(r.Err, Expand("velmora: Cannot open file \"{dir}/locked.h\": Permission denied\n", dir.Path()));
+  EXPECT_EQ(r.Err, Expand("velmora: Cannot open file \"{dir}/locked.h\": Permission denied\n",
+                          dir.Path()));
 }
 
 TEST(CatalogueTest, SaveAndLoadUnderNonAsciiNames) {
   TScratchDir dir;
   WriteFile(dir.Path() / "\xC4rger.pas", kClassPas);
   const std::string saved = (dir.Path() / "Sicherung \xE4\xF6\xFC \xC3\xA4.cinfo").string();
-  TRunResult r = RunVelmora({"dump", "--stats", "--save", saved, (dir.Path() / "\xC4rger.pas").string()});
+  TRunResult r =
+      RunVelmora({"dump", "--stats", "--save", saved, (dir.Path() / "\xC4rger.pas").string()});
   ASSERT_EQ(r.ExitCode, 0) << r.Err;
   r = RunVelmora({"dump", "--load", saved});
   EXPECT_EQ(r.ExitCode, 0) << r.Err;
@@ -372,8 +572,8 @@ TEST(CatalogueTest, SaveAndLoadUnderNonAsciiNames) {
 
 struct TSettingsCase {
   const char* Name;
-  std::string Text;      // the store file
-  std::string Differs;   // the one listing line that is not the default; empty for none
+  std::string Text;     // the store file
+  std::string Differs;  // the one listing line that is not the default; empty for none
 };
 
 TEST(CatalogueTest, DamagedGlobalSettings) {
@@ -381,11 +581,24 @@ TEST(CatalogueTest, DamagedGlobalSettings) {
   const std::vector<TSettingsCase> cases = {
       {.Name = "random bytes", .Text = RandomBytes(20000, 5), .Differs = ""},
       // A NUL is a control character like any other: trimmed at the edges of a value.
-      {.Name = "NUL bytes", .Text = general + "ParsePriority=" + std::string(1, '\0') + "2\r\nShowWarnings=1" + std::string(1, '\0') + "1\r\n", .Differs = "ParsePriority=2"},
-      {.Name = "wrong value forms", .Text = general + "ParsePriority=high\r\nShowWarnings=perhaps\r\nEditorJumpOffSet=99999999999\r\n", .Differs = ""},
-      {.Name = "lone CRs and LFs", .Text = "\r\r\n\n" + general + "ParsePriority=2\r", .Differs = "ParsePriority=2"},
-      {.Name = "10 MB line", .Text = Repeat("x", k10MB) + "\r\n" + general + "ParsePriority=2\r\n", .Differs = "ParsePriority=2"},
-      {.Name = "junk around a good value", .Text = RandomBytes(3000, 6) + "\r\n" + general + "ParsePriority=2\r\n" + RandomBytes(3000, 9), .Differs = "ParsePriority=2"},
+      {.Name = "NUL bytes",
+       .Text = general + "ParsePriority=" + std::string(1, '\0') + "2\r\nShowWarnings=1" +
+               std::string(1, '\0') + "1\r\n",
+       .Differs = "ParsePriority=2"},
+      {.Name = "wrong value forms",
+       .Text = general +
+               "ParsePriority=high\r\nShowWarnings=perhaps\r\nEditorJumpOffSet=99999999999\r\n",
+       .Differs = ""},
+      {.Name = "lone CRs and LFs",
+       .Text = "\r\r\n\n" + general + "ParsePriority=2\r",
+       .Differs = "ParsePriority=2"},
+      {.Name = "10 MB line",
+       .Text = Repeat("x", k10MB) + "\r\n" + general + "ParsePriority=2\r\n",
+       .Differs = "ParsePriority=2"},
+      {.Name = "junk around a good value",
+       .Text =
+           RandomBytes(3000, 6) + "\r\n" + general + "ParsePriority=2\r\n" + RandomBytes(3000, 9),
+       .Differs = "ParsePriority=2"},
   };
   TScratchDir home;
   const TRunResult defaults = RunVelmora({"settings"}, {"XDG_CONFIG_HOME=" + home.Path().string()});
@@ -413,7 +626,10 @@ TEST(CatalogueTest, UnreadableGlobalSettings) {
   const TRunResult r = RunVelmora({"settings"}, {"XDG_CONFIG_HOME=" + dir.Path().string()});
   ExpectCleanRun(r, before, dir.Path(), "store file is a folder");
   EXPECT_EQ(r.ExitCode, 1);
-  EXPECT_EQ(r.Err, Expand("velmora settings: Cannot read file \"{dir}/velmora/registry.ini\": Is a directory\n", dir.Path()));
+  EXPECT_EQ(
+      r.Err,
+      Expand("velmora settings: Cannot read file \"{dir}/velmora/registry.ini\": Is a directory\n",
+             dir.Path()));
 }
 
 // ---- Project settings: TCurrentProjectSettings::Load ----
@@ -423,7 +639,7 @@ struct TProjectSettingsCase {
   std::function<void(const fs::path& file)> Make;
   bool Ok;
   std::function<void(TCurrentProjectSettings&)> Expected;  // changes from the defaults
-  const char* Reason = nullptr;  // the error in the message when not Ok
+  const char* Reason = nullptr;                            // the error in the message when not Ok
 };
 
 TEST(CatalogueTest, DamagedProjectSettings) {
@@ -431,17 +647,37 @@ TEST(CatalogueTest, DamagedProjectSettings) {
   auto none = [](TCurrentProjectSettings&) {};
   const std::vector<TProjectSettingsCase> cases = {
       {.Name = "random bytes", .Make = text(RandomBytes(20000, 4)), .Ok = true, .Expected = none},
-      {.Name = "wrong value forms", .Make = text("[General]\r\nSynchronizeContextBarSpeed=fast\r\nUseProjectExternals=maybe\r\n"), .Ok = true, .Expected = none},
-      {.Name = "count beyond the entries", .Make = text("[Exclude From Parsing]\r\nCount=2000000000\r\nFile0=a.cpp\r\n"), .Ok = true,
+      {.Name = "wrong value forms",
+       .Make =
+           text("[General]\r\nSynchronizeContextBarSpeed=fast\r\nUseProjectExternals=maybe\r\n"),
+       .Ok = true,
+       .Expected = none},
+      {.Name = "count beyond the entries",
+       .Make = text("[Exclude From Parsing]\r\nCount=2000000000\r\nFile0=a.cpp\r\n"),
+       .Ok = true,
        .Expected = [](auto& s) { s.ExcludedFiles = {"a.cpp"}; }},
-      {.Name = "negative count", .Make = text("[Browse History]\r\nCount=-5\r\nEntry0=x\r\n"), .Ok = true, .Expected = none},
-      {.Name = "NUL in values", .Make = text("[General]\r\nClassViewActivePage=" + std::string(1, '\0') + "3\r\nClassHierarchyTreeWidth=1" + std::string(1, '\0') + "1\r\n"), .Ok = true,
+      {.Name = "negative count",
+       .Make = text("[Browse History]\r\nCount=-5\r\nEntry0=x\r\n"),
+       .Ok = true,
+       .Expected = none},
+      {.Name = "NUL in values",
+       .Make = text("[General]\r\nClassViewActivePage=" + std::string(1, '\0') +
+                    "3\r\nClassHierarchyTreeWidth=1" + std::string(1, '\0') + "1\r\n"),
+       .Ok = true,
        .Expected = [](auto& s) { s.ClassViewActivePage = 3; }},
-      {.Name = "10 MB line", .Make = text(Repeat("y", k10MB) + "\r\n[General]\r\nClassViewActivePage=3\r\n"), .Ok = true,
+      {.Name = "10 MB line",
+       .Make = text(Repeat("y", k10MB) + "\r\n[General]\r\nClassViewActivePage=3\r\n"),
+       .Ok = true,
        .Expected = [](auto& s) { s.ClassViewActivePage = 3; }},
-      {.Name = "a folder", .Make = [](const fs::path& f) { fs::create_directory(f); }, .Ok = false, .Expected = none,
+      {.Name = "a folder",
+       .Make = [](const fs::path& f) { fs::create_directory(f); },
+       .Ok = false,
+       .Expected = none,
        .Reason = "Cannot read file \"{dir}/Kiln.vlsettings\": Is a directory"},
-      {.Name = "a pipe", .Make = [](const fs::path& f) { ::mkfifo(f.c_str(), 0600); }, .Ok = true, .Expected = none},
+      {.Name = "a pipe",
+       .Make = [](const fs::path& f) { ::mkfifo(f.c_str(), 0600); },
+       .Ok = true,
+       .Expected = none},
   };
   for (const TProjectSettingsCase& c : cases) {
     TScratchDir dir;

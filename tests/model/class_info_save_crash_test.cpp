@@ -108,7 +108,8 @@ bool WaitForTemp(const fs::path& dir, pid_t child, int known) {
 }
 
 TEST(ClassInfoSaveCrashTest, KilledSaveLeavesTheOldOrTheNewFile) {
-  const fs::path dir = fs::temp_directory_path() / ("velmora-save-crash-" + std::to_string(::getpid()));
+  const fs::path dir =
+      fs::temp_directory_path() / ("velmora-save-crash-" + std::to_string(::getpid()));
   fs::create_directories(dir);
   const std::string path = (dir / "project.cinfo").string();
   constexpr int kClasses = 300;  // about 1.8 MB on disk
@@ -170,8 +171,8 @@ TEST(ClassInfoSaveCrashTest, KilledSaveLeavesTheOldOrTheNewFile) {
   const int leftovers = LeftoverTemps(dir, "project.cinfo");
   RecordProperty("interrupted_saves", interrupted);
   RecordProperty("leftover_temporary_files", leftovers);
-  std::printf("%d of 100 saves were killed midway; %d temporary files left behind\n",
-              interrupted, leftovers);
+  std::printf("%d of 100 saves were killed midway; %d temporary files left behind\n", interrupted,
+              leftovers);
   // Kills that all land before or after the save would test nothing.
   EXPECT_GE(interrupted, 5) << "the kills did not land inside the saves";
   fs::remove_all(dir);

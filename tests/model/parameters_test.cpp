@@ -122,11 +122,13 @@ TEST(ParameterListTest, SameAsTellsOverloadsApart) {
 // SameAs compares the types without building their normalized texts; on random texts it
 // must agree with comparing the normalized texts themselves.
 TEST(ParameterListTest, SameAsAgreesWithNormalizedTexts) {
-  const std::string_view pieces[] = {"a", "B", "b", " ", "\t", "  ", "*", "_", "1", "\xE9", "\xC9", ":"};
+  const std::string_view pieces[] = {"a", "B", "b", " ",    "\t",   "  ",
+                                     "*", "_", "1", "\xE9", "\xC9", ":"};
   std::mt19937 random(7);
   auto randomText = [&] {
     std::string s;
-    for (int n = static_cast<int>(random() % 7); n > 0; --n) s += pieces[random() % std::size(pieces)];
+    for (int n = static_cast<int>(random() % 7); n > 0; --n)
+      s += pieces[random() % std::size(pieces)];
     return s;
   };
   for (TLanguage lang : {C, P}) {
@@ -136,10 +138,10 @@ TEST(ParameterListTest, SameAsAgreesWithNormalizedTexts) {
       TParameterList a(lang), b(lang);
       a.Add("x", ta, ma, "");
       b.Add("y", tb, mb, "");
-      const bool expected =
-          SameName(NormalizeTypeText(ta), NormalizeTypeText(tb), lang) &&
-          SameName(NormalizeTypeText(ma), NormalizeTypeText(mb), lang);
-      ASSERT_EQ(a.SameAs(b), expected) << "[" << ta << "|" << ma << "] vs [" << tb << "|" << mb << "]";
+      const bool expected = SameName(NormalizeTypeText(ta), NormalizeTypeText(tb), lang) &&
+                            SameName(NormalizeTypeText(ma), NormalizeTypeText(mb), lang);
+      ASSERT_EQ(a.SameAs(b), expected)
+          << "[" << ta << "|" << ma << "] vs [" << tb << "|" << mb << "]";
     }
   }
 }

@@ -50,7 +50,9 @@ TEST(CppTokenizerTest, Kinds) {
       {.text = "Class class", .kinds = {172, 1, 23}},
       {.text = "class_ _class classes", .kinds = {172, 1, 172, 1, 172}},
       {.text = "a$b", .kinds = {172, 206, 172}},
-      {.text = "a\xE9" "b", .kinds = {172, 206, 172}},
+      {.text = "a\xE9"
+               "b",
+       .kinds = {172, 206, 172}},
       {.text = "__published:", .kinds = {72, 150}},
       {.text = "std::string", .kinds = {172, 151, 172}},
       {.text = "read write stored index nodefault default",
@@ -98,15 +100,14 @@ TEST(CppTokenizerTest, EveryPunctuatorIsOneToken) {
     const char* text;
     int kind;
   } cases[] = {
-      {"!", 183},   {"!=", 184},  {"%", 182},   {"%=", 136},  {"&", 142},   {"&&", 176},
-      {"&=", 131},  {"(", 191},   {"()", 192},  {")", 190},   {"*", 202},   {"*=", 137},
-      {"+", 186},   {"++", 187},  {"+=", 139},  {",", 149},   {"-", 180},   {"--", 181},
-      {"-=", 138},  {"->", 193},  {"->*", 154}, {".", 188},   {"..", 189},  {"...", 205},
-      {".*", 153},  {"/", 197},   {"/=", 132},  {":", 150},   {"::", 151},  {";", 194},
-      {"<", 178},   {"<=", 179},  {"<<", 195},  {"<<=", 140}, {"=", 135},   {"==", 169},
-      {">", 170},   {">=", 171},  {">>", 196},  {">>=", 141}, {"?:", 152},  {"[", 200},
-      {"[]", 201},  {"]", 199},   {"^", 173},   {"^=", 133},  {"|", 174},   {"||", 177},
-      {"|=", 134},  {"~", 207},   {"{", 146},   {"{}", 147},  {"}", 145},   {"##", 144},
+      {"!", 183},  {"!=", 184}, {"%", 182},   {"%=", 136}, {"&", 142},   {"&&", 176},  {"&=", 131},
+      {"(", 191},  {"()", 192}, {")", 190},   {"*", 202},  {"*=", 137},  {"+", 186},   {"++", 187},
+      {"+=", 139}, {",", 149},  {"-", 180},   {"--", 181}, {"-=", 138},  {"->", 193},  {"->*", 154},
+      {".", 188},  {"..", 189}, {"...", 205}, {".*", 153}, {"/", 197},   {"/=", 132},  {":", 150},
+      {"::", 151}, {";", 194},  {"<", 178},   {"<=", 179}, {"<<", 195},  {"<<=", 140}, {"=", 135},
+      {"==", 169}, {">", 170},  {">=", 171},  {">>", 196}, {">>=", 141}, {"?:", 152},  {"[", 200},
+      {"[]", 201}, {"]", 199},  {"^", 173},   {"^=", 133}, {"|", 174},   {"||", 177},  {"|=", 134},
+      {"~", 207},  {"{", 146},  {"{}", 147},  {"}", 145},  {"##", 144},
   };
   for (const auto& c : cases) {
     // Followed by an identifier so that a token that ran on too far would show.
@@ -119,18 +120,25 @@ TEST(CppTokenizerTest, EveryPunctuatorIsOneToken) {
 TEST(CppTokenizerTest, EveryKeywordHasTheKindOfItsPlace) {
   // Written out independently of the scanner's table, in the order that fixes the kinds.
   const char* const keywords[] = {
-      "__asm", "_asm", "asm", "auto", "__automated", "break", "bool", "case", "catch",
-      "__cdecl", "_cdecl", "cdecl", "char", "class", "__classid", "__closure", "const",
-      "const_cast", "continue", "__declspec", "default", "delete", "__dispid", "do", "double",
-      "dynamic_cast", "else", "enum", "__except", "explicit", "_export", "__export", "extern",
-      "false", "__fastcall", "_fastcall", "__finally", "float", "for", "friend", "goto", "if",
-      "__import", "_import", "inline", "int", "__int8", "__int16", "__int32", "__int64",
-      "long", "mutable", "namespace", "new", "operator", "__pascal", "_pascal", "pascal",
-      "private", "protected", "__property", "public", "__published", "register",
-      "reinterpret_cast", "return", "__rtti", "short", "signed", "sizeof", "static",
-      "static_cast", "__stdcall", "_stdcall", "struct", "switch", "template", "this",
-      "__thread", "throw", "true", "__try", "try", "typedef", "typename", "typeid", "union",
-      "using", "unsigned", "virtual", "void", "volatile", "wchar_t", "while"};
+      "__asm",        "_asm",        "asm",         "auto",     "__automated",
+      "break",        "bool",        "case",        "catch",    "__cdecl",
+      "_cdecl",       "cdecl",       "char",        "class",    "__classid",
+      "__closure",    "const",       "const_cast",  "continue", "__declspec",
+      "default",      "delete",      "__dispid",    "do",       "double",
+      "dynamic_cast", "else",        "enum",        "__except", "explicit",
+      "_export",      "__export",    "extern",      "false",    "__fastcall",
+      "_fastcall",    "__finally",   "float",       "for",      "friend",
+      "goto",         "if",          "__import",    "_import",  "inline",
+      "int",          "__int8",      "__int16",     "__int32",  "__int64",
+      "long",         "mutable",     "namespace",   "new",      "operator",
+      "__pascal",     "_pascal",     "pascal",      "private",  "protected",
+      "__property",   "public",      "__published", "register", "reinterpret_cast",
+      "return",       "__rtti",      "short",       "signed",   "sizeof",
+      "static",       "static_cast", "__stdcall",   "_stdcall", "struct",
+      "switch",       "template",    "this",        "__thread", "throw",
+      "true",         "__try",       "try",         "typedef",  "typename",
+      "typeid",       "union",       "using",       "unsigned", "virtual",
+      "void",         "volatile",    "wchar_t",     "while"};
   ASSERT_EQ(std::size(keywords), 94u);
   for (int place = 0; place < 94; ++place) {
     const std::string word = keywords[place];
@@ -153,10 +161,10 @@ TEST(CppTokenizerTest, KeywordsAtIrregularPlacesAndTableEnds) {
     const char* text;
     int kind;
   } cases[] = {
-      {"__asm", 10},   {"while", 103},  {"break", 15},     {"bool", 16},
-      {"_export", 40}, {"__export", 41}, {"typename", 94}, {"typeid", 95},
-      {"using", 97},   {"unsigned", 98}, {"class", 23},    {"struct", 84},
-      {"union", 96},   {"__property", 70}, {"__int8", 56}, {"__int64", 59},
+      {"__asm", 10},    {"while", 103},           {"break", 15},    {"bool", 16},
+      {"_export", 40},  {"__export", 41},         {"typename", 94}, {"typeid", 95},
+      {"using", 97},    {"unsigned", 98},         {"class", 23},    {"struct", 84},
+      {"union", 96},    {"__property", 70},       {"__int8", 56},   {"__int64", 59},
       {"wchar_t", 102}, {"reinterpret_cast", 74},
   };
   for (const auto& c : cases)
@@ -168,8 +176,8 @@ TEST(CppTokenizerTest, EveryDirective) {
     const char* text;
     int kind;
   } cases[] = {
-      {"#define", 155}, {"#elif", 156}, {"#else", 157},    {"#endif", 158},
-      {"#error", 159},  {"#if", 160},   {"#ifdef", 161},   {"#ifndef", 162},
+      {"#define", 155},  {"#elif", 156}, {"#else", 157},   {"#endif", 158},
+      {"#error", 159},   {"#if", 160},   {"#ifdef", 161},  {"#ifndef", 162},
       {"#include", 163}, {"#line", 164}, {"#pragma", 166}, {"#undef", 167},
   };
   for (const auto& c : cases) {
@@ -195,8 +203,7 @@ TEST(CppTokenizerTest, Offsets) {
       // The scan ends at the first NUL whatever the size says.
       {.text = std::string("ab\0cd", 5), .offsets = {0, 2}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Scan<TCPPTokenizer>(c.text).offsets, c.offsets) << c.text;
+  for (const auto& c : cases) EXPECT_EQ(Scan<TCPPTokenizer>(c.text).offsets, c.offsets) << c.text;
 }
 
 TEST(CppTokenizerTest, EmptyTextHasOnlyTheEndEntry) {

@@ -23,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 struct GoldenCase {
-  std::string name;      // shown in the test name
+  std::string name;  // shown in the test name
   fs::path input;
   fs::path expected;
 };
@@ -65,8 +65,8 @@ std::vector<GoldenCase> CollectCases() {
   for (const auto& file : fs::recursive_directory_iterator(examples, ec)) {
     if (!file.is_regular_file() || !IsSourceFile(file.path())) continue;
     const std::string rel = fs::relative(file.path(), examples).string();
-    cases.push_back({TestName("example_" + rel), file.path(),
-                     golden / "examples" / (TestName(rel) + ".txt")});
+    cases.push_back(
+        {TestName("example_" + rel), file.path(), golden / "examples" / (TestName(rel) + ".txt")});
   }
   std::sort(cases.begin(), cases.end(),
             [](const GoldenCase& a, const GoldenCase& b) { return a.name < b.name; });

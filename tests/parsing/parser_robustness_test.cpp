@@ -19,7 +19,8 @@ namespace fs = std::filesystem;
 std::vector<fs::path> ExampleSources() {
   std::vector<fs::path> files;
   std::error_code ec;
-  for (const auto& f : fs::recursive_directory_iterator(fs::path(VELMORA_SOURCE_DIR) / "examples", ec)) {
+  for (const auto& f :
+       fs::recursive_directory_iterator(fs::path(VELMORA_SOURCE_DIR) / "examples", ec)) {
     const std::string ext = f.path().extension().string();
     if (f.is_regular_file() && (ext == ".h" || ext == ".cpp" || ext == ".pas" || ext == ".inc"))
       files.push_back(f.path());
@@ -32,7 +33,8 @@ void ParseOnce(TLanguage language, std::string text) {
   TMemoryStream stream(std::move(text));
   TClasslist list;
   TStringList includes(true, TDuplicates::Ignore, false);
-  ParseSourceText(language, "damaged", stream, list, TParseOptions{.WantPositions = true}, &includes);
+  ParseSourceText(language, "damaged", stream, list, TParseOptions{.WantPositions = true},
+                  &includes);
 }
 
 TEST(ParserRobustnessTest, ExampleFilesCutAtEveryPointInBothLanguages) {

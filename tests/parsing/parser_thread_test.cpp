@@ -74,52 +74,74 @@ struct JobCase {
   std::string root = {};
   Names includePath = {};  // below the temporary folder, as all names here
   Names known = {};
-  Names parses = {};       // every parse, in order
-  Names reached = {};      // the caller's parsed names, and the root's include entry if any
+  Names parses = {};   // every parse, in order
+  Names reached = {};  // the caller's parsed names, and the root's include entry if any
 };
 
 TEST_F(ParserThreadsTest, FollowsIncludesAndRewritesTheRootEntry) {
   const JobCase cases[] = {
       {.what = "a file beside the includer wins over one in the include path",
        .files = {{"src/main.cpp", "#include \"a.h\"\n"}, {"src/a.h", ""}, {"inc/a.h", ""}},
-       .root = "src/main.cpp", .includePath = {"inc"},
-       .parses = {"src/main.cpp", "src/a.h"}, .reached = {"src/a.h"}},
+       .root = "src/main.cpp",
+       .includePath = {"inc"},
+       .parses = {"src/main.cpp", "src/a.h"},
+       .reached = {"src/a.h"}},
       {.what = "the include path is tried in the order given",
        .files = {{"main.cpp", "#include \"a.h\"\n"}, {"z/a.h", ""}, {"b/a.h", ""}},
-       .root = "main.cpp", .includePath = {"z", "b"},
-       .parses = {"main.cpp", "z/a.h"}, .reached = {"z/a.h"}},
+       .root = "main.cpp",
+       .includePath = {"z", "b"},
+       .parses = {"main.cpp", "z/a.h"},
+       .reached = {"z/a.h"}},
       {.what = "a name starting with a backslash is rooted on the includer's drive",
        .files = {{"src/main.cpp", "#include \"\\inc\\b.h\"\n"}, {"inc/b.h", ""}},
-       .root = "src/main.cpp", .parses = {"src/main.cpp", "inc/b.h"}, .reached = {"inc/b.h"}},
+       .root = "src/main.cpp",
+       .parses = {"src/main.cpp", "inc/b.h"},
+       .reached = {"inc/b.h"}},
       {.what = "a name not found as written is found ignoring case",
        .files = {{"main.cpp", "#include \"SUB\\Shared.h\"\n"}, {"sub/shared.H", ""}},
-       .root = "main.cpp", .parses = {"main.cpp", "sub/shared.H"}, .reached = {"sub/shared.H"}},
+       .root = "main.cpp",
+       .parses = {"main.cpp", "sub/shared.H"},
+       .reached = {"sub/shared.H"}},
       {.what = "A includes B includes A: A is parsed again, B once",
        .files = {{"a.cpp", "#include \"b.h\"\n"}, {"b.h", "#include \"a.cpp\"\n"}},
-       .root = "a.cpp", .parses = {"a.cpp", "b.h", "a.cpp"}, .reached = {"b.h"}},
+       .root = "a.cpp",
+       .parses = {"a.cpp", "b.h", "a.cpp"},
+       .reached = {"b.h"}},
       {.what = "includes are taken alphabetically, each once",
        .files = {{"r.cpp", "#include \"c.h\"\n#include \"b.h\"\n"},
                  {"b.h", "#include \"c.h\"\n#include \"d.h\"\n"},
-                 {"c.h", "#include \"b.h\"\n"}, {"d.h", "#include \"c.h\"\n"}},
-       .root = "r.cpp", .parses = {"r.cpp", "b.h", "c.h", "d.h"}, .reached = {"b.h", "c.h", "d.h"}},
+                 {"c.h", "#include \"b.h\"\n"},
+                 {"d.h", "#include \"c.h\"\n"}},
+       .root = "r.cpp",
+       .parses = {"r.cpp", "b.h", "c.h", "d.h"},
+       .reached = {"b.h", "c.h", "d.h"}},
       {.what = "a root that includes itself is parsed once",
        .files = {{"self.cpp", "#include \"self.cpp\"\n#include \".\\self.cpp\"\n"}},
-       .root = "self.cpp", .parses = {"self.cpp"}},
+       .root = "self.cpp",
+       .parses = {"self.cpp"}},
       {.what = "other spellings of one header are one file",
        .files = {{"r.cpp", "#include \"x.h\"\n"},
                  {"x.h", "#include \"./x.h\"\n#include \"sub/../x.h\"\n#include \"./r.cpp\"\n"},
                  {"sub/.keep", ""}},
-       .root = "r.cpp", .parses = {"r.cpp", "x.h", "r.cpp"}, .reached = {"x.h"}},
+       .root = "r.cpp",
+       .parses = {"r.cpp", "x.h", "r.cpp"},
+       .reached = {"x.h"}},
       {.what = "includes that do not resolve are dropped and the entry removed",
        .files = {{"lone.cpp", "#include \"missing.h\"\n#include \"\\nowhere\\x.h\"\n"}},
-       .root = "lone.cpp", .parses = {"lone.cpp"}},
+       .root = "lone.cpp",
+       .parses = {"lone.cpp"}},
       {.what = "a known file is neither parsed nor followed, but listed",
        .files = {{"r.cpp", "#include \"k.h\"\n"}, {"k.h", "#include \"n.h\"\n"}, {"n.h", ""}},
-       .root = "r.cpp", .known = {"k.h"}, .parses = {"r.cpp"}, .reached = {"k.h"}},
+       .root = "r.cpp",
+       .known = {"k.h"},
+       .parses = {"r.cpp"},
+       .reached = {"k.h"}},
       {.what = "a Pascal unit and its include file",
        .files = {{"u.pas", "unit u;\ninterface\n{$I common.inc}\nimplementation\nend.\n"},
                  {"Common.inc", "const X = 1;\n"}},
-       .root = "u.pas", .parses = {"u.pas", "Common.inc"}, .reached = {"Common.inc"}},
+       .root = "u.pas",
+       .parses = {"u.pas", "Common.inc"},
+       .reached = {"Common.inc"}},
       {.what = "a root that does not exist", .root = "gone.cpp"},
   };
   for (const JobCase& c : cases) {
@@ -127,7 +149,8 @@ TEST_F(ParserThreadsTest, FollowsIncludesAndRewritesTheRootEntry) {
     TearDown();
     SetUp();
     Write(c.files);
-    TStringList includePath(false, TDuplicates::Accept, true), known(true, TDuplicates::Ignore, true);
+    TStringList includePath(false, TDuplicates::Accept, true),
+        known(true, TDuplicates::Ignore, true);
     for (const std::string& dir : c.includePath) includePath.Add(Path(dir));
     for (const std::string& file : c.known) known.Add(Path(file));
     TClasslist target;
@@ -230,7 +253,8 @@ TEST_F(ParserThreadsTest, ReleaseByAnotherJobDoesNotEndTheWait) {
   TSemaphore otherJob(ParseSemaphoreName());
   otherJob.Release();  // as if another job's thread had just finished
   TClasslist target;
-  auto* slow = new TScriptedLoadThread(Path("r.cpp"), nullptr, nullptr, nullptr, {}, nullptr, &target);
+  auto* slow =
+      new TScriptedLoadThread(Path("r.cpp"), nullptr, nullptr, nullptr, {}, nullptr, &target);
   slow->delay = std::chrono::milliseconds(100);
   ResumeParserThread(slow);
   EXPECT_NE(target.Find("TSlow"), nullptr);
@@ -239,12 +263,14 @@ TEST_F(ParserThreadsTest, ReleaseByAnotherJobDoesNotEndTheWait) {
 TEST_F(ParserThreadsTest, TwoJobsAtOnceEachFillTheirOwnList) {
   Write({{"one/a.cpp", "#include \"a.h\"\nclass TOne {};\n"},
          {"one/a.h", "class TOneHeader { int X; };\n"},
-         {"two/b.pas", "unit b;\ninterface\n{$I b.inc}\ntype TTwo = class end;\nimplementation\nend.\n"},
+         {"two/b.pas",
+          "unit b;\ninterface\n{$I b.inc}\ntype TTwo = class end;\nimplementation\nend.\n"},
          {"two/b.inc", "type TTwoInc = class end;\n"}});
   const struct {
     std::string root;
     Names classes;
-  } jobs[] = {{Path("one/a.cpp"), {"TOne", "TOneHeader"}}, {Path("two/b.pas"), {"TTwo", "TTwoInc"}}};
+  } jobs[] = {{Path("one/a.cpp"), {"TOne", "TOneHeader"}},
+              {Path("two/b.pas"), {"TTwo", "TTwoInc"}}};
   constexpr int kRounds = 25;
   std::vector<std::string> failures[2];
   std::vector<std::thread> callers;

@@ -230,7 +230,8 @@ TEST(PascalParserTest, TypeDeclarationHeads) {
       // Generics go by their plain names; type arguments are no ancestors, and neither is
       // `specialize`. `sealed` and `abstract` pass.
       {.text = "type TList<T> = class(TEnumerable<T>, IList<T>) procedure Add<U>(const X: U); end;",
-       .expected = "class TList(TEnumerable, IList)\nmethod published procedure Add(const X: U) 0x0000"},
+       .expected =
+           "class TList(TEnumerable, IList)\nmethod published procedure Add(const X: U) 0x0000"},
       {.text = "type TMap<K, V: class; W: record>=class abstract(TBase) end; "
                "generic TVec<T> = class sealed(specialize TFPGList<T>) end;",
        .expected = "class TMap(TBase)\nclass TVec(TFPGList)"},

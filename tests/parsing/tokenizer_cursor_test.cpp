@@ -21,7 +21,7 @@ TEST(TokenizerCursorTest, LineOfOffsetCountsLfAndLoneCr) {
   t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
   const struct {
     int offset, line;
-  } cases[] = {{-1, -1}, {0, 1}, {1, 1}, {2, 1}, {3, 2}, {5, 3}, {7, 4},
+  } cases[] = {{-1, -1}, {0, 1}, {1, 1},  {2, 1},  {3, 2},   {5, 3}, {7, 4},
                {8, 4},   {9, 5}, {10, 6}, {11, 6}, {12, -1}, {3, 2}, {0, 1}};
   // In this order the queries go forwards, backwards and forwards again.
   for (auto c : cases) EXPECT_EQ(t.LineOfOffset(c.offset), c.line) << c.offset;
@@ -69,9 +69,9 @@ TEST(TokenizerCursorTest, IndexOfOffsetFindsTheEnclosingToken) {
 }
 
 struct Step {
-  bool forward;        // NextSignificant, or PrevSignificant
-  const char* text;    // the token reached
-  int line;            // the tracked line after the step
+  bool forward;      // NextSignificant, or PrevSignificant
+  const char* text;  // the token reached
+  int line;          // the tracked line after the step
 };
 
 void Walk(TTokenizer& t, const std::string& name, const std::vector<Step>& steps) {
@@ -90,9 +90,18 @@ TEST(TokenizerCursorTest, SteppingTracksLinesOverCommentsBothWays) {
     TCPPTokenizer t;
     t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
     // The three-line comment adds two, each line end one; the line comment one.
-    Walk(t, "c++", {{true, "b", 5}, {true, "d", 7}, {true, "e", 7}, {true, "", 7},
-                    {true, "", 7}, {false, "e", 7}, {false, "d", 7}, {false, "b", 5},
-                    {false, "a", 1}, {false, "a", 1}, {true, "b", 5}});
+    Walk(t, "c++",
+         {{true, "b", 5},
+          {true, "d", 7},
+          {true, "e", 7},
+          {true, "", 7},
+          {true, "", 7},
+          {false, "e", 7},
+          {false, "d", 7},
+          {false, "b", 5},
+          {false, "a", 1},
+          {false, "a", 1},
+          {true, "b", 5}});
   }
   {
     const std::string text =
@@ -100,10 +109,17 @@ TEST(TokenizerCursorTest, SteppingTracksLinesOverCommentsBothWays) {
     TPascalTokenizer t;
     t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
     // {$R x} is a directive: significant, and not scanned for lines.
-    Walk(t, "pascal", {{true, "U", 1}, {true, ";", 1}, {true, "interface", 5},
-                       {true, "{$R x}", 6}, {true, "end", 7}, {true, ".", 7},
-                       {false, "end", 7}, {false, "{$R x}", 6}, {false, "interface", 5},
-                       {false, ";", 1}});
+    Walk(t, "pascal",
+         {{true, "U", 1},
+          {true, ";", 1},
+          {true, "interface", 5},
+          {true, "{$R x}", 6},
+          {true, "end", 7},
+          {true, ".", 7},
+          {false, "end", 7},
+          {false, "{$R x}", 6},
+          {false, "interface", 5},
+          {false, ";", 1}});
   }
 }
 
@@ -146,7 +162,7 @@ TEST(TokenizerCursorTest, KindAtCountsEachTokenOnceAndClamps) {
   t.Next();
   t.Next();
   t.Next();
-  EXPECT_EQ(t.Index(), 3);  // Next stops on the end entry
+  EXPECT_EQ(t.Index(), 3);    // Next stops on the end entry
   EXPECT_EQ(t.GetLine(), 3);  // and reads nothing
 }
 
@@ -158,7 +174,7 @@ TEST(TokenizerCursorTest, CommentLineRules) {
       {.text = "/* a\r\nb\r\nc */", .line = 3},
       {.text = "/* a\nb\nc */", .line = 1},  // only CRs count inside block comments
       {.text = "/*/\r\n*/", .line = 1},      // the scan starts at the opening star
-      {.text = "// a", .line = 2},            // a line comment counts one, even at the end
+      {.text = "// a", .line = 2},           // a line comment counts one, even at the end
       {.text = "// a\n\n\r\n", .line = 2},
   };
   for (const auto& c : cases) {
@@ -172,7 +188,7 @@ TEST(TokenizerCursorTest, CommentLineRules) {
     int line;
   } pascal[] = {
       {.text = "(* a\r\nb *)", .line = 2}, {.text = "(*)\r\n*)", .line = 1},
-      {.text = "{ a\r\n\r\n}", .line = 3},  {.text = "{$I a\r\n}", .line = 1},
+      {.text = "{ a\r\n\r\n}", .line = 3}, {.text = "{$I a\r\n}", .line = 1},
       {.text = "// a\r\n", .line = 2},
   };
   for (const auto& c : pascal) {

@@ -26,10 +26,14 @@ TEST(AnsiTest, ComparesAfterFoldingToUpperCase) {
     const char* b;
     int text, str;
   } cases[] = {
-      {"TForm", "tform", 0, -1},  {"abc", "abd", -1, -1}, {"ab", "abc", -1, -1},
-      {"", "", 0, 0},             {"b", "A", 1, 1},
+      {"TForm", "tform", 0, -1},
+      {"abc", "abd", -1, -1},
+      {"ab", "abc", -1, -1},
+      {"", "", 0, 0},
+      {"b", "A", 1, 1},
       // Folding to upper case puts '_' after the letters, as the class views sort.
-      {"a_b", "aZb", 1, 1}, {"a_b", "azb", 1, -1},
+      {"a_b", "aZb", 1, 1},
+      {"a_b", "azb", 1, -1},
   };
   for (auto c : cases) {
     EXPECT_EQ(CompareText(c.a, c.b), c.text) << c.a << " vs " << c.b;

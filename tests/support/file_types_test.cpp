@@ -19,7 +19,8 @@ const std::string kSourceDir = VELMORA_SOURCE_DIR;
 
 TEST(FileTypesTest, PackageMatchesItsGoldenFile) {
   const std::string golden = std::string(VELMORA_TEST_DATA) + "/support/golden/velmora-mime.xml";
-  if (const char* update = std::getenv("VELMORA_UPDATE_GOLDEN"); update && std::string(update) == "1")
+  if (const char* update = std::getenv("VELMORA_UPDATE_GOLDEN");
+      update && std::string(update) == "1")
     WriteFileAtomically(golden, MimePackageText());
   EXPECT_EQ(MimePackageText(), ReadWholeFile(golden)) << golden;
 }
@@ -70,7 +71,8 @@ TEST_F(RegistrationTest, RegisteringTwiceWritesOnce) {
   ASSERT_TRUE(first.Ok) << first.Message;
   EXPECT_EQ(first.Written.size(), 3u) << "the package and two icons";
   EXPECT_EQ(first.MissingIcons, 0);
-  EXPECT_TRUE(fs::exists(dataHome_ + "/icons/hicolor/scalable/mimetypes/application-x-velmora-domain.svg"));
+  EXPECT_TRUE(
+      fs::exists(dataHome_ + "/icons/hicolor/scalable/mimetypes/application-x-velmora-domain.svg"));
   const auto written = fs::last_write_time(Package());
 
   const TRegistrationOutcome second = RegisterFileTypes(where_);

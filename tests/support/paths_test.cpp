@@ -34,7 +34,8 @@ class IncludeResolutionTest : public ::testing::Test {
   void SetUp() override {
     char pattern[] = "/tmp/velmora-paths-XXXXXX";
     root_ = ::mkdtemp(pattern);
-    for (const char* d : {"/src", "/inc", "/Common", "/Common/Sub"}) ::mkdir((root_ + d).c_str(), 0755);
+    for (const char* d : {"/src", "/inc", "/Common", "/Common/Sub"})
+      ::mkdir((root_ + d).c_str(), 0755);
     for (const char* f : {"/src/a.h", "/inc/a.h", "/inc/b.h", "/Common/Sub/Shared.H"})
       std::ofstream(root_ + f) << "x";
   }
@@ -47,14 +48,14 @@ TEST_F(IncludeResolutionTest, PrefersTheIncludingFolderThenThePathInOrder) {
   struct Case {
     std::string_view name, expected;
   } cases[] = {
-      {"a.h", "/src/a.h"},                       // beside the including file wins
-      {"b.h", "/inc/b.h"},                       // then the include path
-      {"..\\inc\\b.h", "/src/../inc/b.h"},       // backslashes separate
+      {"a.h", "/src/a.h"},                                // beside the including file wins
+      {"b.h", "/inc/b.h"},                                // then the include path
+      {"..\\inc\\b.h", "/src/../inc/b.h"},                // backslashes separate
       {"common\\sub\\shared.h", "/Common/Sub/Shared.H"},  // case ignored when not found as written
-      {"\\inc\\b.h", "/inc/b.h"},                // rooted: the drive is an ancestor folder
-      {"/src/a.h", "/src/a.h"},                  // ... with either separator
-      {"\\b.h", "/inc/b.h"},                     // not at any root: the include path
-      {"C:\\inc\\b.h", ""},                      // a drive letter is taken only as written
+      {"\\inc\\b.h", "/inc/b.h"},                         // rooted: the drive is an ancestor folder
+      {"/src/a.h", "/src/a.h"},                           // ... with either separator
+      {"\\b.h", "/inc/b.h"},                              // not at any root: the include path
+      {"C:\\inc\\b.h", ""},                               // a drive letter is taken only as written
       {"missing.h", ""},
       {"", ""},
   };

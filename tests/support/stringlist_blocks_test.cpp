@@ -15,7 +15,8 @@ TEST(StringListBlocksTest, AgreesWithAPlainVectorThroughRandomEdits) {
   struct Mode {
     bool sorted;
     TDuplicates duplicates;
-  } modes[] = {{true, TDuplicates::Accept}, {true, TDuplicates::Ignore}, {false, TDuplicates::Accept}};
+  } modes[] = {
+      {true, TDuplicates::Accept}, {true, TDuplicates::Ignore}, {false, TDuplicates::Accept}};
   for (const Mode& mode : modes) {
     std::mt19937 random(7);
     TStringList list(mode.sorted, mode.duplicates, false);
@@ -35,8 +36,9 @@ TEST(StringListBlocksTest, AgreesWithAPlainVectorThroughRandomEdits) {
         expected.insert(expected.begin() + at, {name, tag});
         continue;
       }
-      auto place = std::upper_bound(expected.begin(), expected.end(), name,
-                                    [](const std::string& s, const auto& e) { return CompareText(s, e.first) < 0; });
+      auto place = std::upper_bound(
+          expected.begin(), expected.end(), name,
+          [](const std::string& s, const auto& e) { return CompareText(s, e.first) < 0; });
       const bool present = place != expected.begin() && CompareText((place - 1)->first, name) == 0;
       const int index = list.Add(name, reinterpret_cast<void*>(tag));
       if (present && mode.duplicates == TDuplicates::Ignore) {

@@ -132,7 +132,10 @@ TEST(StringListTest, LongListsBehaveLikeOneArray) {
       const unsigned op = random() % 10;
       if (op < 4) {  // a random name, often a repeat in another case
         std::string text = std::to_string(random() % 700);
-        if (random() % 2) text = "n" + text; else text = "N" + text;
+        if (random() % 2)
+          text = "n" + text;
+        else
+          text = "N" + text;
         const size_t at = unsorted ? model.size() : sortedPlace(text);
         list.Add(text, Id(next));
         model.insert(model.begin() + static_cast<std::ptrdiff_t>(at), {text, next++});
@@ -158,7 +161,8 @@ TEST(StringListTest, LongListsBehaveLikeOneArray) {
       ASSERT_EQ(list.Count(), static_cast<int>(model.size())) << "step " << step;
       if (step % 97 == 0 || step > 5900) {
         for (size_t i = 0; i < model.size(); ++i) {
-          ASSERT_EQ(list.Strings(static_cast<int>(i)), model[i].first) << "step " << step << " at " << i;
+          ASSERT_EQ(list.Strings(static_cast<int>(i)), model[i].first)
+              << "step " << step << " at " << i;
           ASSERT_EQ(list.Objects(static_cast<int>(i)), Id(model[i].second)) << "step " << step;
         }
       }
