@@ -1,8 +1,9 @@
-// The language server's framing and dispatch on any bytes: the reader must end (every call
-// consumes input or reports the end), and every request the dispatcher is given must get
-// exactly one answer carrying its id, while notifications get none.
+// The language server's framing, dispatch and position conversion on any bytes: the
+// reader must end (every call consumes input or reports the end), every request the
+// dispatcher is given gets exactly one answer carrying its id, notifications none.
 #include "fuzz_support.h"
 #include "hosts/lsp/dispatcher.h"
+#include "hosts/lsp/positions.h"
 #include "hosts/lsp/transport.h"
 
 using namespace velmora;
@@ -29,14 +30,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   dispatcher.OnNotification("$/cancelRequest",
                             [&](const json& params) { dispatcher.Cancel(params.at("id")); });
 
+  // The same bytes as a document: every offset maps to a position that maps back to an
+  // offset on the same line, never past the text.
+  const TLineIndex index(input);
+  for (std::size_t offset = 0; offset <= input.size(); offset += 1 + input.size() / 64) {
+    const TLspPosition p = index.ToLsp(static_cast<int64_t>(offset), TPositionEncoding::Utf16);
+    const int64_t back = index.FromLsp(p, TPositionEncoding::Utf16);
+    VELMORA_FUZZ_CHECK(back >= 0 && back <= static_cast<int64_t>(input.size()));
+    VELMORA_FUZZ_CHECK(index.LineOf(back) == p.Line);
+  }
+  (void)PathFromUri(input);
+
   std::string body, error;
   int rounds = 0;
   for (;;) {
-    const std::size_t before = pos;
     const TFrameStatus status = reader.Next(body, error);
     if (status == TFrameStatus::End) break;
     VELMORA_FUZZ_CHECK(++rounds <= static_cast<int>(size) + 1);
-    (void)before;
     if (status != TFrameStatus::Message) continue;
     const json message = json::parse(body, nullptr, false);
     const std::optional<json> answer = dispatcher.Handle(body);
