@@ -8,6 +8,7 @@
 //  parameters    every parameter text of the parsed examples, a language byte first;
 //  ini           the settings golden files (settings and project settings texts).
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -157,6 +158,23 @@ int main(int argc, char** argv) {
 
     for (const fs::path& p : FilesUnder(source / "tests/settings/golden"))
       Write(out / "ini" / p.filename(), ReadWholeFile(p.string()));
+
+    // A client's opening messages, framed as it frames them.
+    const char* const lsp[] = {
+        R"({"jsonrpc":"2.0","id":1,"method":"echo","params":{"capabilities":{}}})",
+        R"({"jsonrpc":"2.0","method":"$/cancelRequest","params":{"id":2}})",
+        R"({"jsonrpc":"2.0","id":2,"method":"uri","params":{"textDocument":{"uri":"file:///a.pas"}}})",
+        R"({"jsonrpc":"2.0","id":"x","result":null})",
+    };
+    std::string session;
+    n = 0;
+    for (const char* body : lsp) {
+      const std::string framed =
+          "Content-Length: " + std::to_string(std::strlen(body)) + "\r\n\r\n" + body;
+      Write(out / "lsp" / std::to_string(n++), framed);
+      session += framed;
+    }
+    Write(out / "lsp" / "session", session);
   } catch (const Exception& e) {
     std::fprintf(stderr, "seed_maker: %s\n", e.Message().c_str());
     return 1;
