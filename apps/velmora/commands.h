@@ -16,5 +16,7 @@ void AddDumpCommand(CLI::App& app);
 void AddSettingsCommand(CLI::App& app);
 /// `velmora register-types [--icons DIR]`
 void AddRegisterTypesCommand(CLI::App& app);
+/// `velmora lsp [--project FILE]`
+void AddLspCommand(CLI::App& app);
 
 }  // namespace velmora::app

@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
   velmora::app::AddDumpCommand(app);
   velmora::app::AddSettingsCommand(app);
   velmora::app::AddRegisterTypesCommand(app);
+  velmora::app::AddLspCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

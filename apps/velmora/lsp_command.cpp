@@ -1,0 +1,32 @@
+// `velmora lsp`: the language server on standard input and output.
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <csignal>
+
+#include "commands.h"
+#include "hosts/lsp/server.h"
+#include "hosts/lsp/transport.h"
+
+namespace velmora::app {
+
+void AddLspCommand(CLI::App& app) {
+  auto options = std::make_shared<lsp::TServerOptions>();
+  CLI::App* cmd =
+      app.add_subcommand("lsp", "Run the language server (LSP 3.17) on standard input and output");
+  cmd->add_option("--project", options->Project,
+                  "Project file to open (default: the one project file in the workspace root, "
+                  "or the root as a folder)");
+  cmd->callback([options] {
+    // A client that goes away must end the server through its input, not kill it through
+    // a write to a closed pipe.
+    std::signal(SIGPIPE, SIG_IGN);
+    lsp::TFrameWriter writer(lsp::WriteToFd(STDOUT_FILENO));
+    lsp::TFrameReader reader(lsp::ReadFromFd(STDIN_FILENO));
+    lsp::TLspServer server(*options, writer);
+    if (const int code = server.Run(reader); code != 0) throw CLI::RuntimeError(code);
+  });
+}
+
+}  // namespace velmora::app
