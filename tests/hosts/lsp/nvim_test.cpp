@@ -1,0 +1,59 @@
+// `velmora lsp` driven by a real client: Neovim's built-in LSP client, headless, through
+// nvim/client.lua. Skipped where Neovim is not installed.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+bool HaveNvim() {
+  return std::system("command -v nvim >/dev/null 2>&1") == 0;
+}
+
+std::string Quote(const std::string& s) {
+  std::string q = "'";
+  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+// Runs the client script on `file` with the requests given and returns what it wrote.
+json RunClient(const fs::path& root, const fs::path& file, const json& requests) {
+  const fs::path out =
+      fs::temp_directory_path() / ("velmora-nvim-" + std::to_string(::getpid()) + ".json");
+  fs::remove(out);
+  const std::string command =
+      "VELMORA=" + Quote(VELMORA_BINARY) + " ROOT=" + Quote(root.string()) +
+      " FILE=" + Quote(file.string()) + " OUT=" + Quote(out.string()) +
+      " REQUESTS=" + Quote(requests.dump()) + " timeout 120 nvim --headless --clean -c " +
+      Quote("luafile " + std::string(VELMORA_TEST_DATA) + "/hosts/lsp/nvim/client.lua") +
+      " >/dev/null 2>&1";
+  std::system(command.c_str());
+  std::ifstream in(out);
+  std::stringstream text;
+  text << in.rdbuf();
+  fs::remove(out);
+  return json::parse(text.str(), nullptr, false);
+}
+
+TEST(LspNeovim, ClientStartsTheServerAndAgreesOnTheSession) {
+  if (!HaveNvim()) GTEST_SKIP() << "nvim is not installed";
+  const fs::path root = fs::path(VELMORA_SOURCE_DIR) / "examples/KilnLog";
+  const json result = RunClient(root, root / "MainForm.h", json::array());
+  ASSERT_FALSE(result.is_discarded()) << "the client wrote no result";
+  EXPECT_EQ(result["errors"], json::array()) << result.dump();
+  EXPECT_EQ(result["capabilities"]["positionEncoding"], "utf-16");
+  EXPECT_EQ(result["capabilities"]["textDocumentSync"]["change"], 2);
+}
+
+}  // namespace
