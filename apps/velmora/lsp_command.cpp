@@ -23,7 +23,7 @@ void AddLspCommand(CLI::App& app) {
     // a write to a closed pipe.
     std::signal(SIGPIPE, SIG_IGN);
     lsp::TFrameWriter writer(lsp::WriteToFd(STDOUT_FILENO));
-    lsp::TFrameReader reader(lsp::ReadFromFd(STDIN_FILENO));
+    auto reader = std::make_shared<lsp::TFrameReader>(lsp::ReadFromFd(STDIN_FILENO));
     lsp::TLspServer server(*options, writer);
     if (const int code = server.Run(reader); code != 0) throw CLI::RuntimeError(code);
   });

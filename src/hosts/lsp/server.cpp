@@ -223,12 +223,12 @@ void TLspServer::ReadClient(TFrameReader& in, const std::shared_ptr<TInbox>& inb
   inbox->Ready.notify_one();
 }
 
-int TLspServer::Run(TFrameReader& in) {
+int TLspServer::Run(std::shared_ptr<TFrameReader> in) {
   std::shared_ptr<TInbox> inbox = inbox_;
   // The task that logs a damaged header runs only on the main loop, so only while the
   // server is there; the reader itself never touches the server.
-  std::thread reader([this, &in, inbox] {
-    ReadClient(in, inbox, [this, inbox](std::string error) {
+  std::thread reader([this, in, inbox] {
+    ReadClient(*in, inbox, [this, inbox](std::string error) {
       std::lock_guard<std::mutex> hold(inbox->Lock);
       inbox->Queue.emplace_back(
           std::function<void()>([this, error] { Log(1, "damaged message header: " + error); }));

@@ -45,8 +45,10 @@ class TLspServer {
   ~TLspServer();
 
   /// Serves until the client sends "exit" or its input ends; the process's exit code:
-  /// 0 after a shutdown request, 1 otherwise (as the protocol asks).
-  int Run(TFrameReader& in);
+  /// 0 after a shutdown request, 1 otherwise (as the protocol asks). The reader thread
+  /// shares `in`: a client that sent "exit" but keeps its end open leaves that thread in a
+  /// read, and it must not outlive what it reads from.
+  int Run(std::shared_ptr<TFrameReader> in);
 
   /// Runs `task` on the main thread (from any thread).
   void Post(std::function<void()> task);

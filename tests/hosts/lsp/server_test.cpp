@@ -10,27 +10,33 @@ namespace velmora::lsp {
 namespace {
 
 // One session: the client's messages framed into one input, the server run over it, and
-// every message the server wrote parsed back. `allRead` is set once the reader has taken
-// the whole input, so that a handler can wait until every later message is queued.
+// every message the server wrote parsed back. `allRead` is ready once the reader has taken
+// the whole input, so that a handler can wait until every later message is queued. The
+// input is owned by the read function: a reader left in a read after "exit" may still
+// call it once the session is gone.
 struct Session {
   std::vector<json> in;
-  std::vector<json> out;
   int exitCode = -1;
-  std::promise<void> allRead;
+  std::shared_future<void> allRead;
 
   void Run(TLspServer& server, TFrameWriter&, const std::string& extra = "") {
-    std::string input;
-    for (const json& m : in) input += Frame(m.dump());
-    input += extra;
-    std::size_t pos = 0;
-    bool told = false;
-    TFrameReader reader([&](char* buffer, std::size_t size) {
-      const std::size_t n = std::min(size, input.size() - pos);
-      input.copy(buffer, n, pos);
-      pos += n;
-      if (n == 0 && !told) {
-        told = true;
-        allRead.set_value();
+    struct TInput {
+      std::string Bytes;
+      std::size_t Pos = 0;
+      std::promise<void> AllRead;
+      bool Told = false;
+    };
+    auto input = std::make_shared<TInput>();
+    for (const json& m : in) input->Bytes += Frame(m.dump());
+    input->Bytes += extra;
+    allRead = input->AllRead.get_future().share();
+    auto reader = std::make_shared<TFrameReader>([input](char* buffer, std::size_t size) {
+      const std::size_t n = std::min(size, input->Bytes.size() - input->Pos);
+      input->Bytes.copy(buffer, n, input->Pos);
+      input->Pos += n;
+      if (n == 0 && !input->Told) {
+        input->Told = true;
+        input->AllRead.set_value();
       }
       return n;
     });
@@ -194,7 +200,7 @@ TEST(LspServerThreads, CancelOvertakesAQueuedRequestAndDamageIsLogged) {
   // The first request holds the main thread until the reader has queued everything, so
   // the cancel certainly finds request 3 still waiting.
   h.server.Dispatcher().OnRequest("test/hold", [&](const json&) {
-    s.allRead.get_future().wait();
+    s.allRead.wait();
     return json(true);
   });
   h.server.Dispatcher().OnRequest("test/echo", [](const json& p) { return p; });
