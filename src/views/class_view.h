@@ -39,7 +39,7 @@ inline constexpr char kAllClassesUnfiltered[] = "[All Classes unfiltered]";
 /// What the view shows. The lists are not owned and must outlive the view or be replaced
 /// through SetSources first; any of them may be null.
 struct TClassViewSources {
-  std::string ProjectName;  ///< empty: the roots read "Classes" and "Files"
+  std::string ProjectName{};  ///< empty: the roots read "Classes" and "Files"
   TClasslist* ProjectClasses = nullptr;
   TClasslist* ExternalClasses = nullptr;
   TFilesList* ProjectFiles = nullptr;
