@@ -44,9 +44,15 @@ TClassView::~TClassView() {
 void TClassView::BuildRoots() {
   for (auto& page : roots_)
     for (auto& root : page) {
-      if (root) Forget(*root);
-      root = NewNode(TNodeKind::Root, nullptr);
-      root->ChildrenInserted = true;
+      if (!root) {
+        root = NewNode(TNodeKind::Root, nullptr);
+        root->ChildrenInserted = true;
+        continue;
+      }
+      std::vector<std::unique_ptr<TClassViewNode>> gone = std::move(root->Children);
+      root->Children.clear();
+      for (auto& child : gone) Removing(*child);
+      Changed(*root);
     }
 }
 
@@ -95,6 +101,15 @@ TClassViewNode* TClassView::NodeOf(const TRepresentedObject& object) const {
 void TClassView::Forget(TClassViewNode& node) {
   nodes_.erase(node.Id);
   for (auto& child : node.Children) Forget(*child);
+}
+
+void TClassView::Removing(TClassViewNode& node) {
+  if (listener_) listener_->NodeRemoving(node);
+  Forget(node);
+}
+
+void TClassView::Changed(TClassViewNode& parent) {
+  if (listener_) listener_->ChildrenChanged(parent);
 }
 
 void TClassView::SetInsertedFlag(TClassViewNode& node, bool inserted) {
@@ -262,22 +277,20 @@ void TClassView::ExpandAll() {
 // ---- refreshing ----
 
 void TClassView::Reconcile(TClassViewNode& parent, const std::vector<TWanted>& wanted) {
-  std::unordered_map<TClassViewNode*, std::unique_ptr<TClassViewNode>> old;
-  old.reserve(parent.Children.size());
-  for (auto& child : parent.Children) {
-    TClassViewNode* raw = child.get();
-    old.emplace(raw, std::move(child));
-  }
+  std::vector<std::unique_ptr<TClassViewNode>> old = std::move(parent.Children);
   parent.Children.clear();
   parent.Children.reserve(wanted.size());
+  std::unordered_map<const TClassViewNode*, size_t> where;
+  where.reserve(old.size());
+  for (size_t i = 0; i < old.size(); ++i) where.emplace(old[i].get(), i);
   for (const TWanted& w : wanted) {
     std::unique_ptr<TClassViewNode> node;
     // NodeOf reads the live object's own entry, so a node is reused only for the very
     // object it showed; nodes of freed objects are never found and never read.
     if (TClassViewNode* existing = NodeOf(*w.Object); existing && existing->Kind == w.Kind) {
-      if (auto it = old.find(existing); it != old.end()) {
-        node = std::move(it->second);
-        old.erase(it);
+      if (auto it = where.find(existing); it != where.end()) {
+        node = std::move(old[it->second]);
+        where.erase(it);
       }
     }
     if (!node) node = NewNode(w.Kind, w.Object);
@@ -286,7 +299,10 @@ void TClassView::Reconcile(TClassViewNode& parent, const std::vector<TWanted>& w
     parent.Children.push_back(std::move(node));
     Renew(kept);
   }
-  for (auto& [raw, node] : old) Forget(*node);
+  // What was not reused goes, in its old order so listeners hear a stable sequence.
+  for (auto& node : old)
+    if (node) Removing(*node);
+  Changed(parent);
 }
 
 void TClassView::Renew(TClassViewNode& node) {
@@ -303,8 +319,10 @@ void TClassView::RefreshChildren(TClassViewNode& node) {
   if (wanted.empty() && Expandable(node)) {
     // Members exist but none is visible any more: collapse with the expand mark, so the
     // next expansion tells the user why it stays empty.
-    for (auto& child : node.Children) Forget(*child);
+    std::vector<std::unique_ptr<TClassViewNode>> gone = std::move(node.Children);
     node.Children.clear();
+    for (auto& child : gone) Removing(*child);
+    Changed(node);
     SetInsertedFlag(node, false);
     node.HasExpandMark = true;
     return;
@@ -367,8 +385,10 @@ void TClassView::Drop(TClassViewNode& node) {
   if (!parent) return;
   const int index = parent->IndexOf(&node);
   if (index < 0) return;
-  Forget(node);
+  std::unique_ptr<TClassViewNode> gone = std::move(parent->Children[index]);
   parent->Children.erase(parent->Children.begin() + index);
+  Removing(*gone);
+  Changed(*parent);
   parent->HasExpandMark = !parent->Children.empty() || (parent->Object && Expandable(*parent));
 }
 

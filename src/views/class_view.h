@@ -46,6 +46,19 @@ struct TClassViewSources {
   TFilesList* ExternalFiles = nullptr;
 };
 
+/// What a host with its own items (a Qt model, say) hears about node changes. All calls
+/// come from inside TClassView's calls, on the main thread.
+class TClassViewListener {
+ public:
+  virtual ~TClassViewListener() = default;
+  /// `node` and everything below it are about to be freed; it is already out of its
+  /// parent's Children. Its Object must not be read (it may be freed).
+  virtual void NodeRemoving(TClassViewNode& /*node*/) {}
+  /// The children of `parent` were set anew: kept nodes are the same objects (possibly
+  /// moved), new ones were added, texts may have changed.
+  virtual void ChildrenChanged(TClassViewNode& /*parent*/) {}
+};
+
 enum class TExpandResult {
   Inserted,         ///< the children are in the tree (or were already)
   AllFiltered,      ///< members exist but the member filter hides all: show the message
@@ -66,7 +79,8 @@ class TClassView : public TRepresentationClient {
   TClassView(const TClassView&) = delete;
   TClassView& operator=(const TClassView&) = delete;
 
-  /// Replaces what is shown and rebuilds both pages from scratch (every node is new).
+  /// Replaces what is shown and rebuilds both pages from scratch: the roots stay, every
+  /// other node is new.
   void SetSources(const TClassViewSources& sources);
   /// The filter the class filter combo selected; null for kAllClassesUnfiltered. Not
   /// owned (it lives in the settings' filter list). Refreshes.
@@ -97,6 +111,9 @@ class TClassView : public TRepresentationClient {
   /// their representations is reset. Compared without regard to case.
   void RemoveFileObjects(std::string_view fileName);
 
+  /// Not owned; null for none.
+  void SetListener(TClassViewListener* listener) { listener_ = listener; }
+
   /// The node showing `object` in this view, or null. Creates no representation.
   TClassViewNode* NodeOf(const TRepresentedObject& object) const;
   /// Number of nodes in both pages, roots included.
@@ -119,6 +136,9 @@ class TClassView : public TRepresentationClient {
   /// Forgets the ids of `node` and everything below it. Touches no object: some may be
   /// freed already.
   void Forget(TClassViewNode& node);
+  /// Tells the listener, then forgets: for a subtree leaving the tree.
+  void Removing(TClassViewNode& node);
+  void Changed(TClassViewNode& parent);
   void SetInsertedFlag(TClassViewNode& node, bool inserted);
 
   std::vector<TWanted> RootChildren(TRootIndex index) const;
@@ -155,6 +175,7 @@ class TClassView : public TRepresentationClient {
   std::unordered_map<uint32_t, TClassViewNode*> nodes_;
   uint32_t nextId_ = 1;  ///< 0 in a representation means "no node"
   std::unique_ptr<TClassViewNode> roots_[2][2];
+  TClassViewListener* listener_ = nullptr;
 };
 
 }  // namespace velmora

@@ -93,6 +93,32 @@ TEST(ClassViewRefresh, ChangedFileUpdatesInPlace) {
   EXPECT_EQ(f.Member("TShape", "int Depth")->Parent, shape);
 }
 
+// What a host with items of its own hears: the subtrees that go, before they are freed,
+// and the parents whose children were set anew.
+struct TRecorder : TClassViewListener {
+  std::vector<std::string> removed;
+  std::vector<std::string> changed;
+  void NodeRemoving(TClassViewNode& node) override {
+    EXPECT_EQ(node.Parent->IndexOf(&node), -1) << node.Text;
+    removed.push_back(node.Text);
+  }
+  void ChildrenChanged(TClassViewNode& parent) override { changed.push_back(parent.Text); }
+};
+
+TEST(ClassViewRefresh, ListenerHearsWhatGoes) {
+  TShapeView f;
+  TRecorder recorder;
+  f.View->SetListener(&recorder);
+  Reparse(f.Project, "Shape.h", kAfter);
+  f.View->Refresh();
+  EXPECT_EQ(recorder.removed, (std::vector<std::string>{"int Height", "TGone"}));
+  EXPECT_NE(std::find(recorder.changed.begin(), recorder.changed.end(), "TShape"),
+            recorder.changed.end());
+  EXPECT_NE(std::find(recorder.changed.begin(), recorder.changed.end(), "Demo - Classes"),
+            recorder.changed.end());
+  f.View->SetListener(nullptr);
+}
+
 TEST(ClassViewRefresh, NewClassGetsACollapsedNode) {
   TShapeView f;
   Reparse(f.Project, "More.h", "class TMore { public: int A; };\n");
