@@ -246,10 +246,9 @@ bool TClassView::Expandable(const TClassViewNode& node) const {
 // ---- expanding ----
 
 TExpandResult TClassView::Expand(TClassViewNode& node) {
-  if (node.Kind == TNodeKind::Root) return TExpandResult::Inserted;
-  if (!Expandable(node) && !node.ChildrenInserted) return TExpandResult::NothingToExpand;
-  if (node.ChildrenInserted) return TExpandResult::Inserted;
+  if (node.ChildrenInserted) return TExpandResult::Inserted;  // roots are always filled
   TModelLock lock(sources_.ProjectClasses, sources_.ExternalClasses);
+  if (!Expandable(node)) return TExpandResult::NothingToExpand;
   const std::vector<TWanted> wanted = ChildrenOf(node);
   if (wanted.empty() && node.Kind == TNodeKind::Class &&
       HasMembers(static_cast<const TClassDescription&>(*node.Object))) {

@@ -37,7 +37,8 @@ std::string_view NodeKindText(TNodeKind kind);
 
 class TClassViewNode {
  public:
-  TClassViewNode(TNodeKind kind, TRepObject* object, uint32_t id) : Kind(kind), Object(object), Id(id) {}
+  TClassViewNode(TNodeKind kind, TRepObject* object, uint32_t id)
+      : Kind(kind), Object(object), Id(id) {}
   TClassViewNode(const TClassViewNode&) = delete;
   TClassViewNode& operator=(const TClassViewNode&) = delete;
 

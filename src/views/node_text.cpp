@@ -18,10 +18,10 @@ const TCommonClassList* RootOf(const TClassDescription& cls) {
 void DescribeClass(TClassViewNode& node, const TClassDescription& cls, const TClasslist* others) {
   node.Text = cls.GetDisplayText(0);
   const TCommonClassList* root = RootOf(cls);
-  node.ImageIndex = cls.GetImageIndex([root, others](const TClassDescription& c,
-                                                     std::string_view ancestor) {
-    return TCommonClassList::InheritsFrom(root, others, ancestor, c);
-  });
+  node.ImageIndex =
+      cls.GetImageIndex([root, others](const TClassDescription& c, std::string_view ancestor) {
+        return TCommonClassList::InheritsFrom(root, others, ancestor, c);
+      });
   node.FileName = cls.UnitName;
   node.Line = cls.StartLine;
 }

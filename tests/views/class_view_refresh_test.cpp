@@ -134,7 +134,8 @@ TEST(ClassViewRefresh, NewClassGetsACollapsedNode) {
 TEST(ClassViewRefresh, ClassLosingAllMembersLosesItsExpandMark) {
   TShapeView f;
   TClassViewNode* gone = f.ClassNode("TGone");
-  Reparse(f.Project, "Shape.h", std::string(kBefore).replace(std::string(kBefore).find("int Left;"), 9, ""));
+  Reparse(f.Project, "Shape.h",
+          std::string(kBefore).replace(std::string(kBefore).find("int Left;"), 9, ""));
   f.View->Refresh();
   EXPECT_EQ(f.ClassNode("TGone"), gone);
   EXPECT_EQ(gone->Count(), 0);
@@ -149,8 +150,11 @@ TEST(ClassViewRemoveFile, TakesOnlyThatFilesObjects) {
   };
   const Case cases[] = {
       {.name = "shape", .file = "Shape.h", .root = {"TOther", kRoutineListText}},
-      {.name = "other case-blind", .file = "OTHER.PAS", .root = {"TGone", "TShape", kRoutineListText}},
-      {.name = "unknown", .file = "None.h",
+      {.name = "other case-blind",
+       .file = "OTHER.PAS",
+       .root = {"TGone", "TShape", kRoutineListText}},
+      {.name = "unknown",
+       .file = "None.h",
        .root = {"TGone", "TOther", "TShape", kRoutineListText}},
   };
   for (const Case& c : cases) {

@@ -53,10 +53,12 @@ TEST(ClassViewRoots, NamedAfterTheProject) {
   struct Case {
     const char* name;
     std::string project;
-    const char* classes, *files;
+    const char *classes, *files;
   };
   const Case cases[] = {
-      {.name = "named", .project = "KilnLog", .classes = "KilnLog - Classes",
+      {.name = "named",
+       .project = "KilnLog",
+       .classes = "KilnLog - Classes",
        .files = "KilnLog - Files"},
       {.name = "none", .project = "", .classes = "Classes", .files = "Files"},
   };
@@ -68,8 +70,7 @@ TEST(ClassViewRoots, NamedAfterTheProject) {
     EXPECT_EQ(v.Root(TClassView::pgClasses, TClassView::riExternal).Text, "External Classes")
         << c.name;
     EXPECT_EQ(v.Root(TClassView::pgFiles, TClassView::riProject).Text, c.files) << c.name;
-    EXPECT_EQ(v.Root(TClassView::pgFiles, TClassView::riExternal).Text, "External Files")
-        << c.name;
+    EXPECT_EQ(v.Root(TClassView::pgFiles, TClassView::riExternal).Text, "External Files") << c.name;
     EXPECT_EQ(v.Root(TClassView::pgClasses, TClassView::riProject).ImageIndex, 0) << c.name;
   }
 }
@@ -140,18 +141,36 @@ TEST(ClassViewDisplayForms, FollowTheSettings) {
   struct Case {
     const char* name;
     bool args, types;
-    const char* field, *method, *pascalMethod, *routine;
+    const char *field, *method, *pascalMethod, *routine;
   };
   const Case cases[] = {
-      {.name = "both", .args = true, .types = true, .field = "int Count",
-       .method = "void Run(int Times)", .pascalMethod = "GetName(Index: Integer): string",
+      {.name = "both",
+       .args = true,
+       .types = true,
+       .field = "int Count",
+       .method = "void Run(int Times)",
+       .pascalMethod = "GetName(Index: Integer): string",
        .routine = "void FreeRoutine(int A)"},
-      {.name = "neither", .args = false, .types = false, .field = "Count", .method = "Run",
-       .pascalMethod = "GetName", .routine = "FreeRoutine"},
-      {.name = "types only", .args = false, .types = true, .field = "int Count",
-       .method = "Run", .pascalMethod = "GetName", .routine = "FreeRoutine"},
-      {.name = "args only", .args = true, .types = false, .field = "Count",
-       .method = "void Run(int Times)", .pascalMethod = "GetName(Index: Integer): string",
+      {.name = "neither",
+       .args = false,
+       .types = false,
+       .field = "Count",
+       .method = "Run",
+       .pascalMethod = "GetName",
+       .routine = "FreeRoutine"},
+      {.name = "types only",
+       .args = false,
+       .types = true,
+       .field = "int Count",
+       .method = "Run",
+       .pascalMethod = "GetName",
+       .routine = "FreeRoutine"},
+      {.name = "args only",
+       .args = true,
+       .types = false,
+       .field = "Count",
+       .method = "void Run(int Times)",
+       .pascalMethod = "GetName(Index: Integer): string",
        .routine = "void FreeRoutine(int A)"},
   };
   for (const Case& c : cases) {
@@ -213,7 +232,8 @@ TEST(ClassViewMemberFilter, HidesMembersByCategoryAndVisibility) {
     TAlphaView f;
     f.Settings.SetShowMethArgs(false);
     f.Settings.SetShowMemTypes(false);
-    for (const Hide& h : c.hidden) f.Settings.MemberFilter().SetShown(h.category, h.visibility, false);
+    for (const Hide& h : c.hidden)
+      f.Settings.MemberFilter().SetShown(h.category, h.visibility, false);
     f.Show();
     TClassViewNode* alpha = f.ClassNode("TAlpha");
     EXPECT_EQ(f.View->Expand(*alpha), TExpandResult::Inserted) << c.name;
@@ -258,8 +278,8 @@ TEST(ClassViewMemberFilter, RefreshCollapsesAClassWhoseMembersAllGetFiltered) {
   EXPECT_TRUE(beta->HasExpandMark);
   EXPECT_EQ(f.Project.Find("TBeta")->Representations().Peek(f.View->Slot())->Flag(), 0u);
   // The hidden field's entry names no node any more.
-  EXPECT_EQ(f.Project.Find("TBeta")->Fields.Items(0)->Representations().Peek(f.View->Slot())->Data(),
-            0u);
+  EXPECT_EQ(
+      f.Project.Find("TBeta")->Fields.Items(0)->Representations().Peek(f.View->Slot())->Data(), 0u);
   EXPECT_EQ(f.View->Expand(*beta), TExpandResult::AllFiltered);
 }
 
@@ -346,16 +366,28 @@ TEST(ClassViewPlacement, DomainsAndRoutines) {
     std::vector<std::string> domain;  ///< children of "Core" when shown
   };
   const Case cases[] = {
-      {.name = "after classes", .domainsBefore = false, .domainsShown = true, .globals = true,
+      {.name = "after classes",
+       .domainsBefore = false,
+       .domainsShown = true,
+       .globals = true,
        .root = {"TBeta", "TEmpty", "TGamma", "Core", kRoutineListText},
        .domain = {"TAlpha"}},
-      {.name = "before classes", .domainsBefore = true, .domainsShown = true, .globals = true,
+      {.name = "before classes",
+       .domainsBefore = true,
+       .domainsShown = true,
+       .globals = true,
        .root = {"Core", "TBeta", "TEmpty", "TGamma", kRoutineListText},
        .domain = {"TAlpha"}},
-      {.name = "domains off", .domainsBefore = false, .domainsShown = false, .globals = true,
+      {.name = "domains off",
+       .domainsBefore = false,
+       .domainsShown = false,
+       .globals = true,
        .root = {"TAlpha", "TBeta", "TEmpty", "TGamma", kRoutineListText},
        .domain = {}},
-      {.name = "globals off", .domainsBefore = false, .domainsShown = true, .globals = false,
+      {.name = "globals off",
+       .domainsBefore = false,
+       .domainsShown = true,
+       .globals = false,
        .root = {"TBeta", "TEmpty", "TGamma", "Core"},
        .domain = {"TAlpha"}},
   };
@@ -394,8 +426,7 @@ void ExternalRoutine();
   EXPECT_EQ(f.ClassNode("TMainForm")->ImageIndex, 16);
   f.Settings.UseGlobalsExternal = true;
   f.View->Refresh();
-  EXPECT_EQ(TViewFixture::Texts(external),
-            (std::vector<std::string>{"TForm", kRoutineListText}));
+  EXPECT_EQ(TViewFixture::Texts(external), (std::vector<std::string>{"TForm", kRoutineListText}));
 }
 
 }  // namespace
