@@ -58,6 +58,9 @@ void TClassView::BuildRoots() {
 
 void TClassView::SetSources(const TClassViewSources& sources) {
   sources_ = sources;
+  // One object has one node per view, so one list cannot fill both roots.
+  if (sources_.ExternalClasses == sources_.ProjectClasses) sources_.ExternalClasses = nullptr;
+  if (sources_.ExternalFiles == sources_.ProjectFiles) sources_.ExternalFiles = nullptr;
   BuildRoots();
   Refresh();
 }

@@ -37,7 +37,8 @@ class TVLSettings;
 inline constexpr char kAllClassesUnfiltered[] = "[All Classes unfiltered]";
 
 /// What the view shows. The lists are not owned and must outlive the view or be replaced
-/// through SetSources first; any of them may be null.
+/// through SetSources first; any of them may be null. An external list that is the
+/// project's own is ignored.
 struct TClassViewSources {
   std::string ProjectName{};  ///< empty: the roots read "Classes" and "Files"
   TClasslist* ProjectClasses = nullptr;
@@ -83,7 +84,8 @@ class TClassView : public TRepresentationClient {
   /// other node is new.
   void SetSources(const TClassViewSources& sources);
   /// The filter the class filter combo selected; null for kAllClassesUnfiltered. Not
-  /// owned (it lives in the settings' filter list). Refreshes.
+  /// owned (it lives in the settings' filter list): set null before that list is loaded
+  /// or the description removed. Refreshes.
   void SetClassFilter(const TFilterDescription* filter);
   const TFilterDescription* ClassFilter() const { return classFilter_; }
   /// The combo's entries: kAllClassesUnfiltered, then the settings' filters by name.
