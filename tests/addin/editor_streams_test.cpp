@@ -75,11 +75,9 @@ TEST(EditorStreamsTest, AHeaderIsLookedForInItsSourcePartnersEditorWhenThatExist
     int selectCalls;
   } cases[] = {
       {.name = "header with partner", .header = "a.h", .partner = "a.cpp", .selectCalls = 1},
-      {.name = "partner in another case", .header = "b.hpp", .partner = "B.CPP",
-       .selectCalls = 1},
+      {.name = "partner in another case", .header = "b.hpp", .partner = "B.CPP", .selectCalls = 1},
       {.name = "header alone", .header = "c.h", .partner = nullptr, .selectCalls = 0},
-      {.name = "a source file itself", .header = "d.cpp", .partner = nullptr,
-       .selectCalls = 0},
+      {.name = "a source file itself", .header = "d.cpp", .partner = nullptr, .selectCalls = 0},
   };
   for (const auto& c : cases) {
     TAddInHost host;
