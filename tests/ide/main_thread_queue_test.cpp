@@ -12,7 +12,7 @@
 namespace velmora {
 namespace {
 
-TEST(MainThreadQueueTest, SynchronizeFromAnotherThreadRunsOnTheMainThread) {
+TEST(MainThreadQueueThreadsTest, SynchronizeFromAnotherThreadRunsOnTheMainThread) {
   TMainThreadQueue queue;
   const std::thread::id mainId = std::this_thread::get_id();
   std::thread::id ranOn;
@@ -35,7 +35,7 @@ TEST(MainThreadQueueTest, SynchronizeOnTheMainThreadRunsAtOnce) {
   EXPECT_EQ(queue.Pending(), 0u);
 }
 
-TEST(MainThreadQueueTest, AnExceptionOfTheWorkReachesTheWaitingThread) {
+TEST(MainThreadQueueThreadsTest, AnExceptionOfTheWorkReachesTheWaitingThread) {
   TMainThreadQueue queue;
   std::string caught;
   std::thread worker([&] {
@@ -51,7 +51,7 @@ TEST(MainThreadQueueTest, AnExceptionOfTheWorkReachesTheWaitingThread) {
   EXPECT_EQ(caught, "merge failed");
 }
 
-TEST(MainThreadQueueTest, ShutdownReleasesAWaiterWithoutRunningItsWork) {
+TEST(MainThreadQueueThreadsTest, ShutdownReleasesAWaiterWithoutRunningItsWork) {
   TMainThreadQueue queue;
   std::atomic<bool> ran{false};
   std::atomic<int> result{-1};
@@ -80,7 +80,7 @@ TEST(MainThreadQueueTest, PostedWorkRunsInOrderIncludingWorkItQueues) {
   EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
 }
 
-TEST(MainThreadQueueTest, ManyThreadsEachSeeTheirWorkDone) {
+TEST(MainThreadQueueThreadsTest, ManyThreadsEachSeeTheirWorkDone) {
   TMainThreadQueue queue;
   int total = 0;  // touched only on the main thread
   std::atomic<int> finished{0};
@@ -95,7 +95,7 @@ TEST(MainThreadQueueTest, ManyThreadsEachSeeTheirWorkDone) {
   EXPECT_EQ(total, 200);
 }
 
-TEST(MainThreadQueueTest, TheWakeHookHearsOfEveryPost) {
+TEST(MainThreadQueueThreadsTest, TheWakeHookHearsOfEveryPost) {
   TMainThreadQueue queue;
   std::atomic<int> wakes{0};
   queue.SetWakeHook([&] { ++wakes; });
