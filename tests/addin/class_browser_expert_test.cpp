@@ -314,3 +314,24 @@ TEST(ClassBrowserExpertTest, AFailingStartIsReportedAndLeavesNothingBehind) {
 
 }  // namespace
 }  // namespace velmora
+
+namespace velmora {
+namespace {
+
+TEST(ClassBrowserExpertTest, FileNotificationsOtherThanTheFiveAreIgnored) {
+  TLoadedAddIn addIn;
+  const std::string a = addIn.dir.Write("a.cpp", "");
+  addIn.ide.OpenProject(addIn.dir.Write("demo.bpr", ""), {a});
+  addIn.log.clear();
+  TIRef<TAddInNotifier> notifier(new TAddInNotifier(*ClassBrowserExpert));
+  for (int code : {0, 3, 5, 8, 9, 100, -1}) {
+    bool cancel = false;
+    notifier->FileNotification(static_cast<TFileNotification>(code), a, cancel);
+    EXPECT_FALSE(cancel) << code;
+  }
+  EXPECT_TRUE(addIn.log.empty());
+  EXPECT_EQ(ClassBrowserExpert->ProjectFiles(), (std::vector<std::string>{a}));
+}
+
+}  // namespace
+}  // namespace velmora

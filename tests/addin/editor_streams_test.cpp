@@ -143,3 +143,26 @@ TEST(EditorStreamsTest, TheCursorSnapshotAndTheWordAtTheCursor) {
 
 }  // namespace
 }  // namespace velmora
+
+namespace velmora {
+namespace {
+
+TEST(EditorStreamsTest, EnsureOpenAlwaysOpensAHeaderAndLeavesAnOpenSourceAsItIs) {
+  test::TAddInHost host;
+  const std::string source = host.dir.Write("a.cpp", "");
+  const std::string header = host.dir.Write("a.h", "");
+  const std::string closed = host.dir.Write("b.cpp", "");
+  ASSERT_TRUE(host.ide.OpenFile(header));
+  ASSERT_TRUE(host.ide.OpenFile(source));
+  // Opening makes a file the current one, so the current file tells who was opened.
+  EXPECT_TRUE(EnsureOpen(header));
+  EXPECT_EQ(host.ide.CurrentFile(), header);
+  EXPECT_TRUE(EnsureOpen(source));
+  EXPECT_EQ(host.ide.CurrentFile(), header) << "an open source file is not opened again";
+  EXPECT_TRUE(EnsureOpen(closed));
+  EXPECT_TRUE(host.ide.IsFileOpen(closed));
+  EXPECT_FALSE(EnsureOpen(host.dir / "missing.cpp"));
+}
+
+}  // namespace
+}  // namespace velmora
