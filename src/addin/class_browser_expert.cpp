@@ -56,6 +56,9 @@ TClassBrowserExpert::TClassBrowserExpert() : menuItems_(kVLMenuRecordCount) {
   MarkSplash(0);
   try {
     store_ = std::make_unique<TRegistryIniStore>(TRegistryIniStore::DefaultFileName());
+    store_->OnError = [](const std::string& message) {
+      if (ToolServices) ToolServices->ReportException(message);
+    };
     store_->Load();
     settings_ = std::make_unique<TVLSettings>();
     VLSettings = settings_.get();

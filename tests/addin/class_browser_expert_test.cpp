@@ -8,6 +8,7 @@
 #include "addin/addin_notifiers.h"
 #include "addin/class_browser_expert.h"
 #include "addin/entry.h"
+#include "addin/tool_services.h"
 #include "addin/vl_manager_interface.h"
 #include "addin_fixture.h"
 #include "hosts/headless/headless_menu.h"
@@ -67,6 +68,7 @@ struct TLoadedAddIn {
   ~TLoadedAddIn() {
     ide.UnloadAddIns();
     SetManagerFactory({});
+    ToolServices = nullptr;  // the entry kept this IDE, which goes now
   }
   std::string MenuDump() {
     TIRef<TIMainMenu> menu(ide.GetMainMenu());
@@ -177,6 +179,7 @@ TEST(ClassBrowserExpertTest, TheMenuFollowsTheProjectMenuWhereverItStands) {
     EXPECT_EQ(project->Index(), 4 + before) << before;
     EXPECT_EQ(root->Index(), 5 + before) << before;
     ide.UnloadAddIns();
+    ToolServices = nullptr;
   }
 }
 
@@ -310,6 +313,7 @@ TEST(ClassBrowserExpertTest, AFailingStartIsReportedAndLeavesNothingBehind) {
       nullptr);
   const std::string a = dir.Write("a.cpp", "");
   ide.OpenProject(dir / "demo.bpr", {a});  // no notifier left to call
+  ToolServices = nullptr;
 }
 
 }  // namespace
