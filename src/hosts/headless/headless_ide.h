@@ -1,0 +1,138 @@
+// The headless IDE: a host with no windows. The project is a file name and a list of
+// units given by whoever reads project files; editor buffers live in memory in buffer
+// form, loaded from their files and saved back in each file's own line-end style; the
+// main menu is a tree in memory; the main thread is whoever runs the queue.
+//
+// Every change a user would make in an IDE (open, change, save, rename, close a file;
+// open or close a project, add or remove a unit) is a call here, and reaches the
+// registered add-in and module notifiers the way an IDE would send it.
+//
+// Main thread only, except MainThreadQueue(), whose own rule holds.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ide/component.h"
+#include "ide/editor.h"
+#include "ide/expert.h"
+#include "ide/main_thread_queue.h"
+#include "ide/notifiers.h"
+#include "ide/tool_services.h"
+#include "support/text_buffer.h"
+
+namespace velmora {
+
+class THeadlessMenuItem;
+class THeadlessModule;
+
+/// One open file: its text as the editor holds it.
+struct THeadlessBuffer {
+  std::string FileName;
+  std::string Text;                           ///< buffer form: CR LF line ends
+  TLineEndStyle Style = TLineEndStyle::CrLf;  ///< how the file on disk ends its lines
+  bool Modified = false;                      ///< changed since loaded or saved
+  bool WriterAlive = false;                   ///< one writer at a time
+  TEditPos Cursor{1, 1};
+  TEditPos TopLeft{1, 1};
+};
+
+class THeadlessIDE : public TIToolServices {
+ public:
+  THeadlessIDE();
+  ~THeadlessIDE() override;
+  THeadlessIDE(const THeadlessIDE&) = delete;
+  THeadlessIDE& operator=(const THeadlessIDE&) = delete;
+
+  // ---- the add-in ----
+  /// Calls an add-in's entry point with these services; the experts it registers are
+  /// held until UnloadAddIns. Returns the entry's result.
+  bool LoadAddIn(TExpertInitProc entry);
+  /// Releases the registered experts, last first, then calls the add-ins' terminate
+  /// procedures. Also done by the destructor.
+  void UnloadAddIns();
+  int ExpertCount() const { return static_cast<int>(experts_.size()); }
+  TIExpert* Expert(int index) const { return experts_[static_cast<size_t>(index)]; }
+  /// Messages given to ReportException, oldest first.
+  const std::vector<std::string>& Reports() const { return reports_; }
+
+  // ---- the project ----
+  /// Closes the open project, then opens this one: `unitPaths` in project order. Sends
+  /// ProjectOpening and ProjectOpened.
+  void OpenProject(const std::string& projectFile, std::vector<std::string> unitPaths);
+  /// Sends ProjectClosing, closes the project's module (its notifiers get ModuleDeleted)
+  /// and forgets it. Open files stay open.
+  void CloseProject();
+  /// Saves the project: the project module's notifiers get ModuleSaved.
+  bool SaveProject();
+  /// Saves the project under another name: ModuleRenamed, then ModuleSaved.
+  bool RenameProject(const std::string& newProjectFile);
+  /// Adds a unit (AddedToProject); false when there is no project or it is a unit
+  /// already.
+  bool AddToProject(const std::string& fileName);
+  /// Removes a unit (RemovedFromProject); false when it is not one.
+  bool RemoveFromProject(const std::string& fileName);
+  const std::vector<std::string>& Units() const { return units_; }
+
+  // ---- files and buffers ----
+  /// Closes the buffer (FileClosing, then ModuleDeleted to its notifiers); unsaved
+  /// changes are dropped. False when it is not open.
+  bool CloseFile(const std::string& fileName);
+  /// Writes the buffer back to its file, in the file's own line-end style, through a
+  /// temporary file renamed over it; then ModuleSaved. False (the file unchanged, the
+  /// reason in Reports) when it cannot be written.
+  bool SaveFile(const std::string& fileName);
+  /// Saves the buffer under `newName` and makes that its file: ModuleRenamed, then
+  /// ModuleSaved. The old file stays on disk.
+  bool SaveFileAs(const std::string& fileName, const std::string& newName);
+  /// The buffer of an open file, or nullptr.
+  THeadlessBuffer* Buffer(const std::string& fileName);
+  /// Replaces a buffer's text (given in any line-end style) as a user's edit would.
+  bool SetBufferText(const std::string& fileName, std::string_view text);
+  /// Makes an open file the one the user works in.
+  bool SetCurrentFile(const std::string& fileName);
+
+  THeadlessMenuItem& MenuBar() { return *menuBar_; }
+
+  // ---- TIToolServices ----
+  bool OpenFile(const std::string& fileName) override;
+  bool ReloadFile(const std::string& fileName) override;
+  std::string ProjectName() override { return projectFile_; }
+  std::string CurrentFile() override { return currentFile_; }
+  bool IsFileOpen(const std::string& fileName) override;
+  TIModule* GetModule(const std::string& fileName) override;
+  TIMainMenu* GetMainMenu() override;
+  bool AddNotifier(TIAddInNotifier* notifier) override;
+  bool RemoveNotifier(TIAddInNotifier* notifier) override;
+  void ReportException(const std::string& message) override;
+  bool EnumProjectUnits(const TProjectUnitCallback& callback) override;
+  TMainThreadQueue& MainThreadQueue() override { return queue_; }
+  TIComponent& Application() override { return application_; }
+
+ private:
+  /// The name an open file is kept under: the existing file it names, else as given.
+  std::string KeyOf(const std::string& fileName) const;
+  THeadlessModule* ModuleOf(const std::string& fileName) const;
+  void Broadcast(TFileNotification code, const std::string& fileName);
+  void BuildMenu();
+  void BuildComponents();
+
+  TMainThreadQueue queue_;
+  TComponent application_{"TApplication", "Application"};
+  TIRef<THeadlessMenuItem> menuBar_;
+  std::vector<TIRef<THeadlessMenuItem>> ownItems_;  ///< the IDE's own menu items
+  std::vector<TIAddInNotifier*> notifiers_;         ///< registered; owned by the add-ins
+  std::vector<TIExpert*> experts_;                  ///< one reference each
+  std::vector<TExpertTerminateProc> terminates_;
+  std::vector<std::string> reports_;
+
+  std::string projectFile_;               ///< "" when no project is open
+  std::vector<std::string> units_;        ///< the project's units, in project order
+  TIRef<THeadlessModule> projectModule_;  ///< set while a project is open
+  std::map<std::string, TIRef<THeadlessModule>> modules_;  ///< open files by KeyOf
+  std::string currentFile_;
+};
+
+}  // namespace velmora

@@ -1,0 +1,187 @@
+#include "hosts/headless/headless_module.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "support/ansi.h"
+#include "support/paths.h"
+
+namespace velmora {
+namespace {
+
+class THeadlessReader : public TIEditReader {
+ public:
+  explicit THeadlessReader(std::shared_ptr<THeadlessBuffer> buffer) : buffer_(std::move(buffer)) {}
+  int GetText(int32_t position, char* buffer, int count) override {
+    const std::string& text = buffer_->Text;
+    if (position < 0 || count <= 0 || static_cast<size_t>(position) >= text.size()) return 0;
+    const size_t n =
+        std::min(static_cast<size_t>(count), text.size() - static_cast<size_t>(position));
+    std::memcpy(buffer, text.data() + position, n);
+    return static_cast<int>(n);
+  }
+
+ private:
+  std::shared_ptr<THeadlessBuffer> buffer_;
+};
+
+// Builds the new text aside and puts it into the buffer in one step when released, so
+// that a generator that gives up half way (and releases its writer after a failed copy)
+// still leaves either all of its change or - when nothing was written - none.
+class THeadlessWriter : public TIEditWriter {
+ public:
+  explicit THeadlessWriter(std::shared_ptr<THeadlessBuffer> buffer) : buffer_(std::move(buffer)) {
+    buffer_->WriterAlive = true;
+  }
+  ~THeadlessWriter() override {
+    if (changed_) {
+      out_.append(buffer_->Text, static_cast<size_t>(position_));
+      buffer_->Text = std::move(out_);
+      buffer_->Modified = true;
+    }
+    buffer_->WriterAlive = false;
+  }
+  bool CopyTo(int32_t position) override {
+    if (!Valid(position)) return false;
+    out_.append(buffer_->Text, static_cast<size_t>(position_),
+                static_cast<size_t>(position - position_));
+    position_ = position;
+    return true;
+  }
+  bool DeleteTo(int32_t position) override {
+    if (!Valid(position)) return false;
+    changed_ = changed_ || position > position_;
+    position_ = position;
+    return true;
+  }
+  bool Insert(const char* text) override {
+    if (!text) return false;
+    out_ += text;
+    changed_ = changed_ || *text != '\0';
+    return true;
+  }
+  int32_t Position() override { return position_; }
+
+ private:
+  bool Valid(int32_t position) const {
+    return position >= position_ && static_cast<size_t>(position) <= buffer_->Text.size();
+  }
+  std::shared_ptr<THeadlessBuffer> buffer_;
+  std::string out_;       ///< the new text up to position_
+  int32_t position_ = 0;  ///< in the original text; everything before it is in out_ or dropped
+  bool changed_ = false;
+};
+
+// Columns are characters here: the headless buffers show no tabs expanded.
+class THeadlessView : public TIEditView {
+ public:
+  explicit THeadlessView(std::shared_ptr<THeadlessBuffer> buffer) : buffer_(std::move(buffer)) {}
+  TEditPos GetPos(int index) override {
+    if (index == 0) return buffer_->Cursor;
+    if (index == 1) return buffer_->TopLeft;
+    return {};
+  }
+  bool SetPos(int index, TEditPos pos) override {
+    if (index == 0)
+      buffer_->Cursor = pos;
+    else if (index == 1)
+      buffer_->TopLeft = pos;
+    else
+      return false;
+    return true;
+  }
+  int32_t CharPosToPos(TCharPos pos) override {
+    const std::string& text = buffer_->Text;
+    size_t start = 0;
+    for (int32_t line = 1; line < pos.Line; ++line) {
+      const size_t cr = text.find('\r', start);
+      if (cr == std::string::npos) return static_cast<int32_t>(text.size());
+      start = cr + 1;
+      if (start < text.size() && text[start] == '\n') ++start;
+    }
+    size_t end = text.find('\r', start);
+    if (end == std::string::npos) end = text.size();
+    const size_t index = static_cast<size_t>(std::max<int16_t>(pos.CharIndex, 0));
+    return static_cast<int32_t>(std::min(start + index, end));
+  }
+  void ConvertPos(bool editPosToCharPos, TEditPos& editPos, TCharPos& charPos) override {
+    if (editPosToCharPos) {
+      charPos.Line = editPos.Line;
+      charPos.CharIndex = static_cast<int16_t>(std::max(editPos.Col - 1, 0));
+    } else {
+      editPos.Line = charPos.Line;
+      editPos.Col = static_cast<int16_t>(charPos.CharIndex + 1);
+    }
+  }
+
+ private:
+  std::shared_ptr<THeadlessBuffer> buffer_;
+};
+
+}  // namespace
+
+TIEditor* THeadlessModule::GetEditor() {
+  if (!buffer_) return nullptr;
+  return new THeadlessEditor(buffer_);
+}
+
+TIEditor* THeadlessModule::GetEditorOfFile(const std::string& fileName) {
+  ++EditorOfFileCalls;
+  // Each file is a module of its own here; the module shows no other file.
+  if (!buffer_ || !SameText(ToPosixSeparators(fileName), ToPosixSeparators(buffer_->FileName)))
+    return nullptr;
+  return new THeadlessEditor(buffer_);
+}
+
+bool THeadlessModule::AddNotifier(TIModuleNotifier* notifier) {
+  if (!notifier || closed_) return false;
+  if (std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end()) return false;
+  notifiers_.push_back(notifier);
+  return true;
+}
+
+bool THeadlessModule::RemoveNotifier(TIModuleNotifier* notifier) {
+  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
+  if (it == notifiers_.end()) return false;
+  notifiers_.erase(it);
+  return true;
+}
+
+void THeadlessModule::Notify(TModuleNotification code) {
+  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
+  const std::vector<TIModuleNotifier*> notifiers = notifiers_;
+  for (TIModuleNotifier* n : notifiers) {
+    // One that an earlier notifier detached is not called any more.
+    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
+    n->Notify(code, *this);
+  }
+}
+
+void THeadlessModule::Close() {
+  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
+  Notify(TModuleNotification::ModuleDeleted);
+  notifiers_.clear();
+  buffer_.reset();
+  closed_ = true;
+}
+
+void THeadlessModule::SetFileName(std::string fileName) {
+  fileName_ = std::move(fileName);
+  if (buffer_) buffer_->FileName = fileName_;
+}
+
+TIEditReader* THeadlessEditor::CreateReader() {
+  return new THeadlessReader(buffer_);
+}
+
+TIEditView* THeadlessEditor::GetView(int index) {
+  if (index != 0) return nullptr;
+  return new THeadlessView(buffer_);
+}
+
+TIEditWriter* THeadlessEditor::CreateWriter() {
+  if (buffer_->WriterAlive) return nullptr;
+  return new THeadlessWriter(buffer_);
+}
+
+}  // namespace velmora
