@@ -10,6 +10,8 @@ namespace velmora::projects {
 
 namespace {
 
+constexpr size_t kMaxValueSize = 1u << 20;
+
 // A condition's tokens: quoted strings, words, and the operators.
 struct TToken {
   enum Kind { String, Word, Equal, NotEqual, Not, Open, Close, End } kind;
@@ -179,6 +181,9 @@ std::string TMsBuildProperties::Expand(std::string_view text) const {
   std::string out;
   size_t pos = 0;
   while (pos < text.size()) {
+    // A property that doubles itself in every group would otherwise grow without bound;
+    // nothing a project sets comes near this size.
+    if (out.size() > kMaxValueSize) return out;
     const size_t open = text.find("$(", pos);
     const size_t close = open == std::string_view::npos ? open : text.find(')', open + 2);
     if (close == std::string_view::npos) break;

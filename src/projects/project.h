@@ -45,7 +45,8 @@ struct TProject {
   std::vector<std::string> Defines;  ///< `NAME` or `NAME=VALUE`, in order, each once
   /// Pascal unit search path, as IncludePath. Empty for projects that have none.
   std::vector<std::string> UnitSearchPath;
-  /// What was skipped and why, one line each, each at most once, in the order met.
+  /// What was skipped and why, one line each, each at most once, in the order met; the
+  /// lines for unset macros (one per macro, with the number of entries it cost) last.
   std::vector<std::string> Warnings;
 };
 

@@ -19,6 +19,10 @@ namespace {
 // macro defined in terms of itself ends instead of growing.
 constexpr int kMaxMacroDepth = 8;
 
+// No path, define or unit name comes near this; an expansion that grows past it is a
+// macro built to multiply itself.
+constexpr size_t kMaxExpandedSize = 1u << 20;
+
 // A project file of this size is not one a user wrote or an IDE saved.
 constexpr std::uintmax_t kMaxProjectFileSize = 64u << 20;
 
@@ -190,11 +194,15 @@ std::optional<std::string> TProjectBuilder::Expand(std::string_view text,
       pos = close + 1;
     }
     out.append(current, pos);
+    if (out.size() > kMaxExpandedSize) {
+      Warn("macros in \"" + std::string(text.substr(0, 80)) + "\" grow without end; left out");
+      return std::nullopt;
+    }
     if (out == current) return current;
     current = std::move(out);
   }
   if (current.find("$(") != std::string::npos) {
-    Warn("macros nested too deeply in \"" + std::string(text) + "\"; left out");
+    Warn("macros nested too deeply in \"" + std::string(text.substr(0, 80)) + "\"; left out");
     return std::nullopt;
   }
   return current;
@@ -207,7 +215,11 @@ bool TProjectBuilder::AddUnit(std::string_view name, const TMacroLookup& macros)
   std::string found;
   if (!HasDriveLetter(*expanded)) found = ResolveIncludeFile(*expanded, dir_, {});
   if (found.empty() || !FileExists(found)) {
-    Warn("unit not found: \"" + std::string(Trim(name)) + "\"");
+    // Written twice in different letter case or with other separators, it is still one
+    // missing unit, reported once.
+    const std::string key = AnsiUpperCase(NormalPath(JoinPath(dir_, ToPosixSeparators(*expanded))));
+    if (missingUnits_.insert(key).second)
+      Warn("unit not found: \"" + std::string(Trim(name)) + "\"");
     return false;
   }
   AddExistingUnit(found);

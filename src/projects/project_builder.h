@@ -79,6 +79,8 @@ class TProjectBuilder {
   std::string dir_;
   /// The FileName of every unit in project_.Units.
   std::set<std::string> unitFiles_;
+  /// Missing units already warned about: the path they would have, in upper case.
+  std::set<std::string> missingUnits_;
   /// Unknown macros in the order first met, with the number of elements each cost.
   std::vector<std::pair<std::string, int>> unknownMacros_;
 };

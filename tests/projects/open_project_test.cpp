@@ -70,8 +70,8 @@ INSTANTIATE_TEST_SUITE_P(
         GoldenCase{.name = "lpi", .project = kData + "lazarus/shapes.lpi"},
         GoldenCase{.name = "lpk", .project = kData + "lazarus/drawkit.lpk"},
         GoldenCase{.name = "folder", .project = kData + "folder"}),
-    [](const auto& info) {
-      std::string name(info.param.name);
+    [](const auto& row) {
+      std::string name(row.param.name);
       for (char& ch : name)
         if (ch == '-') ch = '_';
       return name;
