@@ -213,6 +213,18 @@ TEST_F(DamagedProjectTest, MissingPathsAndFoldersGiveOneLine) {
   }
 }
 
+TEST_F(DamagedProjectTest, FolderWithALinkToItselfEnds) {
+  fs::create_directories(root_ + "/tree/sub");
+  Write("tree/sub/a.pas", "unit a;");
+  fs::create_directory_symlink(root_ + "/tree", root_ + "/tree/sub/loop");
+  fs::create_symlink(root_ + "/tree/sub/a.pas", root_ + "/tree/b.pas");
+  const TProject p = OpenProject(root_ + "/tree/");
+  ASSERT_EQ(p.Units.size(), 2u);  // the linked file counts, the linked folder is not entered
+  EXPECT_EQ(p.Units[0].FileName, root_ + "/tree/b.pas");
+  EXPECT_EQ(p.Units[1].FileName, root_ + "/tree/sub/a.pas");
+  EXPECT_EQ(p.Name, "tree");
+}
+
 // Every test project cut at many lengths and with bytes flipped: each copy opens or gives
 // a one-line error.
 TEST_F(DamagedProjectTest, CutAndFlippedCopiesOfEveryTestProject) {
