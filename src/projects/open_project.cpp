@@ -11,11 +11,10 @@ using namespace projects;
 namespace {
 
 // The XML form of a `.bpr` begins with a declaration or its root; the make-file form
-// with comments and macros. Blanks and a byte-order mark may come first in either.
+// with comments and macros. Blanks may come first in either.
 bool LooksLikeXml(const std::string& path) {
   const std::string text = ReadProjectFile(path);
   size_t i = 0;
-  if (text.compare(0, 3, "\xEF\xBB\xBF") == 0) i = 3;
   while (i < text.size() && static_cast<unsigned char>(text[i]) <= ' ') ++i;
   return i < text.size() && text[i] == '<';
 }

@@ -141,6 +141,8 @@ std::string ReadProjectFile(const std::string& path) {
       throw EProjectError("project file \"" + name + "\" is too large to be a project");
   }
   if (in.bad()) throw EProjectError("cannot read project file \"" + path + "\"");
+  // Later IDEs save with a UTF-8 byte-order mark; no reader wants to see it.
+  if (text.compare(0, 3, "\xEF\xBB\xBF") == 0) text.erase(0, 3);
   return text;
 }
 

@@ -35,8 +35,8 @@ bool IsCppSourceName(std::string_view path);     ///< .cpp .cxx .cc .c
 bool IsCppHeaderName(std::string_view path);     ///< .h .hpp .hxx
 bool IsPascalSourceName(std::string_view path);  ///< .pas .pp .p .lpr .dpr
 
-/// The whole file, or EProjectError naming it. Files over a size no project reaches are
-/// refused rather than read.
+/// The whole file without a UTF-8 byte-order mark, or EProjectError naming it. Files over
+/// a size no project reaches are refused rather than read.
 std::string ReadProjectFile(const std::string& path);
 
 /// Builds a TProject. Relative names are taken from the project's folder.
