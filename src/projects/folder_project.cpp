@@ -6,9 +6,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstring>
+#include <map>
 #include <set>
 
 #include "projects/project_builder.h"
+#include "support/ansi.h"
 #include "support/paths.h"
 
 namespace velmora::projects {
@@ -64,23 +67,33 @@ TProject ReadFolderProject(const std::string& path) {
   Collect(builder.Project().FileName, 0, files, builder);
   std::sort(files.begin(), files.end(), PathLess);
 
-  for (const std::string& file : files)
-    if (!IsCppHeaderName(file)) builder.AddExistingUnit(file);
+  // Sources and headers are paired from the listing itself: a tree of thousands of files
+  // needs no further look at the disk. Key: the path without its extension, upper case;
+  // the first header of a stem in the preference order .h, .hpp, .hxx wins.
+  std::map<std::string, std::string> headers;
+  for (const char* preferred : {".h", ".hpp", ".hxx"})
+    for (const std::string& file : files)
+      if (SameText(ExtractFileExt(file), preferred))
+        headers.emplace(AnsiUpperCase(file.substr(0, file.size() - std::strlen(preferred))), file);
   std::set<std::string> paired;
-  for (const TProjectUnit& unit : builder.Project().Units)
-    if (!unit.Header.empty()) paired.insert(unit.Header);
-  // A header no source claims is a unit of its own, at its place in the order.
-  std::vector<TProjectUnit> units;
-  const std::vector<TProjectUnit>& sources = builder.Project().Units;
-  size_t next = 0;
+  for (const std::string& file : files) {
+    if (!IsCppSourceName(file)) continue;
+    const std::string_view ext = ExtractFileExt(file);
+    auto it = headers.find(AnsiUpperCase(file.substr(0, file.size() - ext.size())));
+    if (it != headers.end()) paired.insert(it->second);
+  }
   for (const std::string& file : files) {
     if (IsCppHeaderName(file)) {
-      if (paired.count(NormalPath(file)) == 0) units.push_back({NormalPath(file), ""});
-    } else if (next < sources.size()) {
-      units.push_back(sources[next++]);
+      // A header no source claims is a unit of its own, at its place in the order.
+      if (paired.count(file) == 0) builder.AddExistingUnit(file, "");
+    } else if (IsCppSourceName(file)) {
+      const std::string_view ext = ExtractFileExt(file);
+      auto it = headers.find(AnsiUpperCase(file.substr(0, file.size() - ext.size())));
+      builder.AddExistingUnit(file, it == headers.end() ? std::string() : it->second);
+    } else {
+      builder.AddExistingUnit(file, "");
     }
   }
-  builder.Project().Units = std::move(units);
   builder.Project().IncludePath.push_back(builder.Project().FileName);
   return builder.Finish();
 }

@@ -171,8 +171,7 @@ std::optional<std::string> TProjectBuilder::Expand(std::string_view text,
                                                    const TMacroLookup& macros) {
   std::string current(text);
   for (int depth = 0; depth < kMaxMacroDepth; ++depth) {
-    const size_t first = current.find("$(");
-    if (first == std::string::npos) return current;
+    if (current.find("$(") == std::string::npos) return current;
     std::string out;
     size_t pos = 0;
     while (pos < current.size()) {
@@ -194,12 +193,12 @@ std::optional<std::string> TProjectBuilder::Expand(std::string_view text,
       }
       out += *value;
       pos = close + 1;
+      if (out.size() > kMaxExpandedSize) {
+        Warn("macros in \"" + std::string(text.substr(0, 80)) + "\" grow without end; left out");
+        return std::nullopt;
+      }
     }
     out.append(current, pos);
-    if (out.size() > kMaxExpandedSize) {
-      Warn("macros in \"" + std::string(text.substr(0, 80)) + "\" grow without end; left out");
-      return std::nullopt;
-    }
     if (out == current) return current;
     current = std::move(out);
   }
@@ -229,20 +228,23 @@ bool TProjectBuilder::AddUnit(std::string_view name, const TMacroLookup& macros)
 }
 
 void TProjectBuilder::AddExistingUnit(const std::string& path) {
+  std::string header;
+  if (IsCppSourceName(path)) {
+    const std::string_view ext = ExtractFileExt(path);
+    const std::string stem = path.substr(0, path.size() - ext.size());
+    for (const char* h : {".h", ".hpp", ".hxx"}) {
+      header = ResolveExistingFile(stem + h);
+      if (!header.empty()) break;
+    }
+  }
+  AddExistingUnit(path, header);
+}
+
+void TProjectBuilder::AddExistingUnit(const std::string& path, const std::string& header) {
   TProjectUnit unit;
   unit.FileName = NormalPath(path);
   if (!unitFiles_.insert(unit.FileName).second) return;
-  if (IsCppSourceName(unit.FileName)) {
-    const std::string_view ext = ExtractFileExt(unit.FileName);
-    const std::string stem = unit.FileName.substr(0, unit.FileName.size() - ext.size());
-    for (const char* h : {".h", ".hpp", ".hxx"}) {
-      const std::string header = ResolveExistingFile(stem + h);
-      if (!header.empty()) {
-        unit.Header = NormalPath(header);
-        break;
-      }
-    }
-  }
+  if (!header.empty()) unit.Header = NormalPath(header);
   project_.Units.push_back(std::move(unit));
 }
 

@@ -60,8 +60,11 @@ class TProjectBuilder {
   /// separator and any letter case). A C++ source gets its header. A name that does not
   /// resolve is warned about once and skipped. Returns whether a unit was found.
   bool AddUnit(std::string_view name, const TMacroLookup& macros);
-  /// Adds a file already known to exist.
+  /// Adds a file already known to exist, a C++ source with the header beside it.
   void AddExistingUnit(const std::string& path);
+  /// Adds a file already known to exist with the header already found for it ("" for
+  /// none), without looking at the folder again.
+  void AddExistingUnit(const std::string& path, const std::string& header);
 
   void AddIncludePath(std::string_view list, const TMacroLookup& macros);
   void AddUnitSearchPath(std::string_view list, const TMacroLookup& macros);
