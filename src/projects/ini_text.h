@@ -12,6 +12,7 @@ namespace velmora::projects {
 
 /// Sections and keys compare without regard to case; the first of two equal keys wins,
 /// as it does in the IDE. Lines that are neither a section nor `key=value` are ignored.
+/// Not changed after construction: reads may come from any thread.
 class TIniText {
  public:
   explicit TIniText(std::string_view text);

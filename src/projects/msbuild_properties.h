@@ -7,6 +7,8 @@
 // and `!=`, joined with `and`/`or`, negated with `!`, grouped with parentheses. Anything
 // else makes the condition false, so an unknown construct leaves a group out rather than
 // letting it in.
+//
+// Not changed after construction: its const members may be called from any thread.
 #pragma once
 
 #include <map>

@@ -59,7 +59,9 @@ class EProjectError : public Exception {
 
 /// Reads the project at `path`: a folder, or a file whose extension picks its reader.
 /// Throws EProjectError for a missing path, an unknown extension, or a file that is
-/// unreadable or damaged; never for a unit that is missing.
+/// unreadable or damaged; never for a unit that is missing. Shares no state between
+/// calls, so any thread may open a project; the IDE's folders (`$(BCB)`, `$(BDS)`, ...)
+/// are read from the environment at each call.
 TProject OpenProject(const std::string& path);
 
 /// The whole value as text, one field a line, paths relative to the project's folder;

@@ -102,5 +102,44 @@ TEST_F(BuilderFolderTest, ResolvesFoldersAndUnitsWrittenOnWindows) {
   EXPECT_EQ(p.Warnings, warnings);
 }
 
+TEST_F(BuilderFolderTest, TheIdeFolderComesFromTheEnvironment) {
+  std::filesystem::create_directories(root_ + "/Program Files/CBuilder/include/vcl");
+  const struct {
+    std::string_view name;
+    const char* bcb;  ///< nullptr: unset
+    std::vector<std::string> folders;
+    std::vector<std::string> warnings;
+  } rows[] = {
+      {.name = "set, with a space and another letter case",
+       .bcb = "/Program Files/CBuilder",
+       .folders = {"/Program Files/CBuilder/include", "/Program Files/CBuilder/include/vcl",
+                   "/Inc"},
+       .warnings = {}},
+      {.name = "unset",
+       .bcb = nullptr,
+       .folders = {"/Inc"},
+       .warnings = {"$(BCB) is not set: 2 entries that use it are left out"}},
+      {.name = "set to a folder that is not there",
+       .bcb = "/Nowhere",
+       .folders = {"/Inc"},
+       .warnings = {"folder not found: \"$(BCB)\\INCLUDE\"",
+                    "folder not found: \"$(BCB)\\Include\\VCL\""}},
+  };
+  for (const auto& row : rows) {
+    if (row.bcb)
+      ::setenv("BCB", (root_ + row.bcb).c_str(), 1);
+    else
+      ::unsetenv("BCB");
+    TProjectBuilder builder(root_ + "/Proj/p.bpr", TProjectKind::MakeBpr);
+    builder.AddIncludePath("$(BCB)\\INCLUDE;$(BCB)\\Include\\VCL;..\\inc", EnvironmentMacro);
+    const TProject p = builder.Finish();
+    std::vector<std::string> folders;
+    for (const std::string& f : p.IncludePath) folders.push_back(f.substr(root_.size()));
+    EXPECT_EQ(folders, row.folders) << row.name;
+    EXPECT_EQ(p.Warnings, row.warnings) << row.name;
+  }
+  ::unsetenv("BCB");
+}
+
 }  // namespace
 }  // namespace velmora::projects
