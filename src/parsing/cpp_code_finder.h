@@ -61,8 +61,7 @@ class TCppCodeFinder : public TCPPTFinder {
                                    const TParameterList* params);
   int32_t FindMethodImplementationLine(std::string_view className, std::string_view methodName,
                                        const TParameterList* params);
-  int32_t FindMethodImplementationOffset(std::string_view className,
-                                         std::string_view methodName,
+  int32_t FindMethodImplementationOffset(std::string_view className, std::string_view methodName,
                                          const TParameterList* params);
 
   /// The same for a free function: the name followed by a parameter list (always

@@ -41,8 +41,8 @@ class TPascalTFinder {
   /// The token that `p` starts when its text equals `name` ignoring case, else -1.
   int32_t WholeTokenAt(int32_t p, std::string_view name) const;
 
-  TPascalTokenizer tokenizer_;   // owns the token lists; the text is the caller's
-  TPatternSearch search_;        // folds every character to lower case (kAnsiLower)
+  TPascalTokenizer tokenizer_;  // owns the token lists; the text is the caller's
+  TPatternSearch search_;       // folds every character to lower case (kAnsiLower)
 };
 
 class TPascalCodeFinder : public TPascalTFinder {
@@ -61,8 +61,7 @@ class TPascalCodeFinder : public TPascalTFinder {
   /// ClassName.MethodName` heading, or -1. A `class procedure` is found too.
   int32_t FindMethodImplementation(std::string_view className, std::string_view methodName);
   int32_t FindMethodImplementationLine(std::string_view className, std::string_view methodName);
-  int32_t FindMethodImplementationOffset(std::string_view className,
-                                         std::string_view methodName);
+  int32_t FindMethodImplementationOffset(std::string_view className, std::string_view methodName);
 
   /// The first token of the line of the first `procedure|function Name` from the
   /// implementation section on (the whole text when there is none), or -1; a routine

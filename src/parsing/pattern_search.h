@@ -52,17 +52,17 @@ class TPatternSearch {
   // terminating NUL looks one character further.
   char At(int32_t i) const { return i >= 0 && i <= textSize_ ? text_[i] : '\0'; }
 
-  const unsigned char* fold_;    // null: no folding
-  const char* text_ = nullptr;   // the searched text, NUL at text_[textSize_]
-  std::string pattern_;          // as given; compared through fold_
-  int32_t position_ = -1;        // index of the current window's last character
-  int32_t halfLength_ = 0;       // patternLength_ / 2
-  int32_t defaultShift_ = 1;     // patternLength_ + 1
+  const unsigned char* fold_;   // null: no folding
+  const char* text_ = nullptr;  // the searched text, NUL at text_[textSize_]
+  std::string pattern_;         // as given; compared through fold_
+  int32_t position_ = -1;       // index of the current window's last character
+  int32_t halfLength_ = 0;      // patternLength_ / 2
+  int32_t defaultShift_ = 1;    // patternLength_ + 1
   int32_t textSize_ = 0;
   std::array<int32_t, 256> shift_{};  // by folded character code
   bool atEndFlag_ = false;
-  bool found_ = false;             // whether the last FindNext found a match
-  int32_t foundPosition_ = -1;     // start of the last match, -1 if none
+  bool found_ = false;          // whether the last FindNext found a match
+  int32_t foundPosition_ = -1;  // start of the last match, -1 if none
   int32_t patternLength_ = 0;
 };
 
