@@ -1,6 +1,9 @@
 #include "parsing/implementation_locator.h"
 
+#include <cstring>
 #include <exception>
+#include <memory>
+#include <mutex>
 
 #include "model/class_description.h"
 #include "model/members.h"
@@ -34,31 +37,71 @@ const TParameterList* ParametersToMatch(const TClassDescription* classDescriptio
 
 enum class TAnswer { Line, Offset };
 
+// The finder of the text searched last, one per language. Tokenizing the whole file is
+// nearly all the time of a lookup, and jumping around in one unchanged buffer (the class
+// view's "Go to Implementation", a language server's definition requests) asks about the
+// same text again and again. The text is compared whole, so a changed buffer is never
+// answered from stale tokens; the answers are those of a new finder, since every search
+// sets the cursor and the pattern it works from. Texts above kMaxCachedSize are not kept.
+template <typename Finder>
+class TFinderCache {
+ public:
+  static constexpr size_t kMaxCachedSize = 32u << 20;
+
+  /// `use(finder)` on a finder over `text`, under the cache's lock.
+  template <typename Use>
+  int32_t With(const std::string& text, Use use) {
+    if (text.size() > kMaxCachedSize) {
+      Finder finder;
+      finder.SetText(text.c_str(), static_cast<int32_t>(text.size()));
+      return use(finder);
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!finder_ || text_.size() != text.size() ||
+        std::memcmp(text_.data(), text.data(), text.size()) != 0) {
+      finder_.reset();
+      text_ = text;
+      finder_ = std::make_unique<Finder>();
+      finder_->SetText(text_.c_str(), static_cast<int32_t>(text_.size()));
+    }
+    return use(*finder_);
+  }
+
+ private:
+  std::mutex mutex_;
+  std::string text_;                // the text finder_ was made over; finder_ points into it
+  std::unique_ptr<Finder> finder_;  // null until the first lookup
+};
+
+TFinderCache<TPascalCodeFinder> gPascalFinders;
+TFinderCache<TCppCodeFinder> gCppFinders;
+
 int32_t Locate(const std::string& text, const TClassDescription* classDescription,
                const TMethodDescription& member, TAnswer answer) {
-  const auto size = static_cast<int32_t>(text.size());
-  if (member.Language == TLanguage::Pascal) {
-    TPascalCodeFinder finder;
-    finder.SetText(text.c_str(), size);
-    const int32_t t = classDescription != nullptr
-                          ? finder.FindMethodImplementation(classDescription->Name, member.Name)
-                          : finder.FindRoutineImplementation(member.Name);
+  const auto answerOf = [answer](TTokenizer& tokenizer, int32_t t) {
     if (t < 0) return -1;
-    return answer == TAnswer::Line ? finder.Tokenizer().LineOfToken(t)
-                                   : finder.Tokenizer().TokenOffset(t);
+    return answer == TAnswer::Line ? tokenizer.LineOfToken(t) : tokenizer.TokenOffset(t);
+  };
+  if (member.Language == TLanguage::Pascal) {
+    return gPascalFinders.With(text, [&](TPascalCodeFinder& finder) {
+      const int32_t t = classDescription != nullptr
+                            ? finder.FindMethodImplementation(classDescription->Name, member.Name)
+                            : finder.FindRoutineImplementation(member.Name);
+      return answerOf(finder.Tokenizer(), t);
+    });
   }
+  // A method without its class is not looked for: the routine search would take any
+  // function of that name.
+  const bool isRoutine = dynamic_cast<const TProcDescription*>(&member) != nullptr;
+  if (classDescription == nullptr && !isRoutine) return -1;
   const TParameterList* params = ParametersToMatch(classDescription, member);
-  TCppCodeFinder finder;
-  finder.SetText(text.c_str(), size);
-  int32_t t = -1;
-  if (classDescription != nullptr) {
-    t = finder.FindMethodImplementation(classDescription->Name, member.Name, params);
-  } else if (dynamic_cast<const TProcDescription*>(&member) != nullptr) {
-    t = finder.FindRoutineImplementation(member.Name, params);
-  }
-  if (t < 0) return -1;
-  return answer == TAnswer::Line ? finder.Tokenizer().LineOfToken(t)
-                                 : finder.Tokenizer().TokenOffset(t);
+  return gCppFinders.With(text, [&](TCppCodeFinder& finder) {
+    const int32_t t =
+        classDescription != nullptr
+            ? finder.FindMethodImplementation(classDescription->Name, member.Name, params)
+            : finder.FindRoutineImplementation(member.Name, params);
+    return answerOf(finder.Tokenizer(), t);
+  });
 }
 
 }  // namespace

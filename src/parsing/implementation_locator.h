@@ -8,8 +8,11 @@
 // that answers from them first, so unsaved text is searched; the default reads the file
 // from disk.
 //
-// Threads: no shared state; the caller holds the model's lock while the member and class
-// are read.
+// The tokens of the text searched last (one per language) are kept for the next lookup,
+// which is then only the search: see TFinderCache in the source.
+//
+// Threads: any thread may call; the kept tokens are behind a lock of their own. The caller
+// holds the model's lock while the member and class are read.
 #pragma once
 
 #include <cstdint>

@@ -40,14 +40,19 @@ int32_t TPascalCodeFinder::FirstTokenOfLine(int32_t t, bool stopAtComment) const
 }
 
 int32_t TPascalCodeFinder::FindImplementationSection() {
+  if (implementationSection_ != -2) return implementationSection_;
+  implementationSection_ = -1;
   SetPattern("implementation");
   while (!AtEnd()) {
     const int32_t p = FindNext();
     if (p < 0) continue;
     const int32_t t = WholeTokenAt(p, "implementation");
-    if (t >= 0) return t;
+    if (t >= 0) {
+      implementationSection_ = t;
+      break;
+    }
   }
-  return -1;
+  return implementationSection_;
 }
 
 int32_t TPascalCodeFinder::FindImplementationSectionLine() {

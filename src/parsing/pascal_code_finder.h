@@ -88,6 +88,10 @@ class TPascalCodeFinder : public TPascalTFinder {
   // cursor on it), as the first token of its line; -1 if none.
   template <typename Accept>
   int32_t LastLineStartOf(std::string_view word, Accept accept);
+
+  // FindImplementationSection's answer once asked (-2 before): a finder has one text in
+  // its life, and every routine search starts with this scan of the whole text.
+  int32_t implementationSection_ = -2;
 };
 
 }  // namespace velmora

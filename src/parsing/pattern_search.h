@@ -27,7 +27,7 @@ class TPatternSearch {
  public:
   /// `fold` maps every character before it is compared or looked up in the shift table
   /// (a case-folding table makes the search case-insensitive); null compares as is.
-  explicit TPatternSearch(const unsigned char* fold = nullptr) : fold_(fold) {}
+  explicit TPatternSearch(const unsigned char* fold = nullptr);
 
   /// Prepares a search of `pattern` in `text` (`size` characters, with a NUL at
   /// text[size]). The text is not copied and must outlive the search.
@@ -44,17 +44,15 @@ class TPatternSearch {
   const std::string& Pattern() const { return pattern_; }
 
  private:
-  unsigned char Fold(char c) const {
-    const auto u = static_cast<unsigned char>(c);
-    return fold_ ? fold_[u] : u;
-  }
-  // The character at `i`, NUL beyond the end: the shift after a window that ends on the
-  // terminating NUL looks one character further.
-  char At(int32_t i) const { return i >= 0 && i <= textSize_ ? text_[i] : '\0'; }
+  unsigned char Fold(char c) const { return fold_[static_cast<unsigned char>(c)]; }
+  // The folded character at `i`, NUL beyond the end: the shift after a window that ends
+  // on the terminating NUL looks one character further.
+  unsigned char FoldedAt(int32_t i) const { return i <= textSize_ ? Fold(text_[i]) : fold_[0]; }
 
-  const unsigned char* fold_;   // null: no folding
+  const unsigned char* fold_;   // never null: the identity table when nothing is folded
   const char* text_ = nullptr;  // the searched text, NUL at text_[textSize_]
-  std::string pattern_;         // as given; compared through fold_
+  std::string pattern_;         // as given
+  std::string folded_;          // pattern_ through fold_: what the text is compared with
   int32_t position_ = -1;       // index of the current window's last character
   int32_t halfLength_ = 0;      // patternLength_ / 2
   int32_t defaultShift_ = 1;    // patternLength_ + 1

@@ -88,6 +88,30 @@ TEST(ImplementationLocatorTest, OverloadsAreToldApartOnlyWhenTheListHasATwin) {
   EXPECT_EQ(offset, 420);
 }
 
+// The tokens of the last text are kept between lookups: a text of the same size with
+// other content must be searched anew.
+TEST(ImplementationLocatorTest, AChangedTextIsSearchedAnew) {
+  TClasslist classes;
+  TClassDescription* a = classes.FindOrAdd("A", C);
+  TMethodDescription* f = AddMethod(*a, "f", "");
+  TMethodDescription* g = AddMethod(*a, "g", "");
+  const std::string first = "void A::f() {}\r\nvoid A::g() {}\r\n";
+  const std::string second = "void A::g() {}\r\nvoid A::f() {}\r\n";
+  ASSERT_EQ(first.size(), second.size());
+  struct Step {
+    const std::string& text;
+    const TMethodDescription* member;
+    int32_t line;
+  };
+  const Step steps[] = {
+      {first, f, 1}, {first, g, 2}, {second, f, 2}, {second, g, 1}, {first, f, 1}};
+  for (const Step& s : steps) {
+    int32_t line = -1;
+    EXPECT_TRUE(LocateImplementationLine(s.text, false, a, line, *s.member));
+    EXPECT_EQ(line, s.line) << s.member->Name << " in " << s.text;
+  }
+}
+
 TEST(ImplementationLocatorTest, PascalMembers) {
   const std::string unit =
       "unit U;\r\ninterface\r\nprocedure Run;\r\nimplementation\r\n"
