@@ -129,6 +129,27 @@ TEST(MarkerPositionFinderTest, NextAndFind) {
   EXPECT_EQ(TMarkerPositionFinder::FindMarker(C, text, mkDescBegin), -1);
 }
 
+TEST(MarkerPositionFinderTest, PascalCommentsOnly) {
+  const std::string unit = ToBufferForm(
+      "unit U;\n"                            // 1
+      "{$DEFINE Marker(Insert_End)}\n"       // 2: a directive, not a comment
+      "const S = '{Marker(Insert_End)}';\n"  // 3: a string
+      "(* ClassMarker_Method(TFoo) *)\n"     // 4
+      "{\n  VL_Desc_Begin(TFoo.Bar)\n}\n"    // 5..7: the comment's first line
+      "// vl_desc_end\n"                     // 8
+      "{Marker(Insert_End)}\n");             // 9
+  TMarkerPositionFinder finder(P, unit);
+  std::vector<std::pair<int, int32_t>> seen;
+  for (TMarker m = finder.NextMarker(); m.Line != -1; m = finder.NextMarker()) {
+    seen.emplace_back(m.Kind, m.Line);
+  }
+  const std::vector<std::pair<int, int32_t>> expected = {
+      {mkClassMethod, 4}, {mkDescBegin, 5}, {mkDescEnd, 8}, {mkInsertEnd, 9}};
+  EXPECT_EQ(seen, expected);
+  EXPECT_EQ(TMarkerPositionFinder::FindMarker(P, unit, mkDescBegin, "tfoo.bar"), 5);
+  EXPECT_EQ(TMarkerPositionFinder::FindMarker(P, unit, mkDescBegin, "TFoo"), -1);
+}
+
 TEST(MarkerPositionFinderTest, MethodImplementationLineFromMarkers) {
   const std::string text = ToBufferForm(kCppFile);
   struct Case {
