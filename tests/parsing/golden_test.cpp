@@ -104,7 +104,7 @@ TEST_P(GoldenTest, ParserOutputMatches) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Parsers, GoldenTest, ::testing::ValuesIn(CollectCases()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& instance) { return instance.param.name; });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GoldenTest);
 
 }  // namespace
