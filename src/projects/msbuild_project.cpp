@@ -16,7 +16,8 @@ namespace {
 
 struct TItem {
   std::string Include;
-  long Order;  ///< BuildOrder, or LONG_MAX when the item has none
+  long Order;               ///< BuildOrder, or LONG_MAX when the item has none
+  std::string DependentOn;  ///< the file the IDE shows the item under (a unit's header)
 };
 
 // The items under `project` whose element name is one of `kinds`, in the project's order:
@@ -43,7 +44,9 @@ std::vector<TItem> SourceItems(pugi::xml_node project, const TMsBuildProperties&
       else
         allOrdered = false;
       // One item may name several files.
-      for (std::string_view one : SplitList(include)) items.push_back({std::string(one), order});
+      const std::string dependentOn = ChildNoCase(item, "DependentOn").child_value();
+      for (std::string_view one : SplitList(include))
+        items.push_back({std::string(one), order, dependentOn});
     }
   }
   if (allOrdered)
@@ -75,7 +78,7 @@ TProject ReadCbProjProject(const std::string& path) {
   TProjectBuilder builder(path, TProjectKind::CbProj);
   for (const TItem& item :
        SourceItems(root, properties, {"CppCompile", "CCompile", "PasCompile", "DelphiCompile"}))
-    builder.AddUnit(item.Include, NoMacros);
+    builder.AddUnit(item.Include, NoMacros, item.DependentOn);
   // Older versions spell the options with the compiler's prefix.
   builder.AddIncludePath(FirstSet(properties, {"IncludePath", "BCC_IncludePath"}), NoMacros);
   builder.AddDefines(FirstSet(properties, {"Defines", "BCC_Defines"}));

@@ -209,7 +209,8 @@ std::optional<std::string> TProjectBuilder::Expand(std::string_view text,
   return current;
 }
 
-bool TProjectBuilder::AddUnit(std::string_view name, const TMacroLookup& macros) {
+bool TProjectBuilder::AddUnit(std::string_view name, const TMacroLookup& macros,
+                              std::string_view header) {
   const std::optional<std::string> expanded = Expand(Trim(name), macros);
   if (!expanded) return false;
   if (expanded->empty()) return false;
@@ -222,6 +223,13 @@ bool TProjectBuilder::AddUnit(std::string_view name, const TMacroLookup& macros)
     if (missingUnits_.insert(key).second)
       Warn("unit not found: \"" + std::string(Trim(name)) + "\"");
     return false;
+  }
+  if (!header.empty() && IsCppHeaderName(header) && !HasDriveLetter(header)) {
+    const std::string headerFile = ResolveIncludeFile(Trim(header), dir_, {});
+    if (!headerFile.empty() && FileExists(headerFile)) {
+      AddExistingUnit(found, headerFile);
+      return true;
+    }
   }
   AddExistingUnit(found);
   return true;

@@ -59,7 +59,9 @@ class TProjectBuilder {
   /// Adds the unit the project writes as `name` (relative to Dir(), or rooted, with either
   /// separator and any letter case). A C++ source gets its header. A name that does not
   /// resolve is warned about once and skipped. Returns whether a unit was found.
-  bool AddUnit(std::string_view name, const TMacroLookup& macros);
+  /// `header`, when the project names one and it exists, is the unit's header wherever it
+  /// lies; else the one beside the source is taken.
+  bool AddUnit(std::string_view name, const TMacroLookup& macros, std::string_view header = {});
   /// Adds a file already known to exist, a C++ source with the header beside it.
   void AddExistingUnit(const std::string& path);
   /// Adds a file already known to exist with the header already found for it ("" for

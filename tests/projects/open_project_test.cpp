@@ -35,6 +35,10 @@ struct GoldenCase {
   std::string_view bcb = "";  ///< BCB for the run, relative to data/; "" leaves it unset
 };
 
+void PrintTo(const GoldenCase& c, std::ostream* os) {
+  *os << c.name;
+}
+
 class OpenProjectGoldenTest : public ::testing::TestWithParam<GoldenCase> {};
 
 TEST_P(OpenProjectGoldenTest, MatchesGolden) {
