@@ -1,7 +1,7 @@
 // `velmora [tree] [PROJECT]` (the main job), `hierarchy`, `find` and `files`: open the
 // project, print one view of its model, save the class information for the next start.
-#include <CLI/CLI.hpp>
 #include <sys/stat.h>
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <filesystem>
@@ -19,7 +19,9 @@
 
 namespace velmora::app {
 
-void PrintMessage(const std::string& line) { std::cerr << "velmora: " << line << '\n'; }
+void PrintMessage(const std::string& line) {
+  std::cerr << "velmora: " << line << '\n';
+}
 
 std::string RelativeToCurrent(const std::string& path) {
   std::error_code ec;
@@ -33,7 +35,8 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
   std::string project = projectArg;
   if (project.empty()) {
     project = DefaultProjectPath();
-    if (project.empty()) throw TCommandError("no project named and the bundled example is not installed");
+    if (project.empty())
+      throw TCommandError("no project named and the bundled example is not installed");
   }
   auto session = CreateBrowseSession();
   TProgressBar bar(true);
@@ -53,9 +56,9 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
   bar.Finish();
   const TOpenStats& stats = session->Stats();
   if (stats.Warm)
-    PrintMessage("loaded the saved class information " + RelativeToCurrent(stats.ClassInfoFile) + "; " +
-                 std::to_string(stats.FilesParsed) + " of " + std::to_string(stats.FilesTotal) +
-                 " files changed or new, parsed again");
+    PrintMessage("loaded the saved class information " + RelativeToCurrent(stats.ClassInfoFile) +
+                 "; " + std::to_string(stats.FilesParsed) + " of " +
+                 std::to_string(stats.FilesTotal) + " files changed or new, parsed again");
   else
     PrintMessage("parsed " + std::to_string(stats.FilesParsed) + " files");
   return session;
@@ -105,8 +108,8 @@ int CountMembers(const TCommonClassList& list) {
 std::string StatsText(TBrowseSession& session) {
   const TOpenStats& s = session.Stats();
   char buffer[256];
-  std::string out = "project: " + session.Project().Name + " (" +
-                    ProjectKindName(session.Project().Kind) + ")\n";
+  std::string out =
+      "project: " + session.Project().Name + " (" + ProjectKindName(session.Project().Kind) + ")\n";
   out += std::string("open: ") + (s.Warm ? "warm" : "cold") + "\n";
   out += "files: " + std::to_string(s.FilesTotal) + "\n";
   out += "files parsed: " + std::to_string(s.FilesParsed) + "\n";
@@ -150,7 +153,8 @@ void RunTree(const TTreeOptions& o) {
   }
   view.ExpandAll();
   const TPathNamer paths(*session);
-  const std::string text = o.Json ? RenderTreeJson(view, paths, *session) : RenderTreeText(view, paths);
+  const std::string text =
+      o.Json ? RenderTreeJson(view, paths, *session) : RenderTreeText(view, paths);
   view.SetClassFilter(nullptr);
   std::fputs(text.c_str(), stdout);
 }
@@ -180,8 +184,10 @@ void AddTreeCommand(CLI::App& app) {
   auto* cmd = app.add_subcommand(
       "tree", "Open a project (default: the bundled example), parse it and print its class view");
   cmd->footer(kTreeFormatHelp);
-  cmd->add_option("project", o->Project, "Project file or folder (.bpr .mak .cbproj .dpr .dproj .lpi .lpk)");
-  auto* json = cmd->add_flag("--json", o->Json, "Print the class view as JSON (with a format version)");
+  cmd->add_option("project", o->Project,
+                  "Project file or folder (.bpr .mak .cbproj .dpr .dproj .lpi .lpk)");
+  auto* json =
+      cmd->add_flag("--json", o->Json, "Print the class view as JSON (with a format version)");
   cmd->add_flag("--stats", o->Stats, "Print only counts, cold or warm open, files parsed and times")
       ->excludes(json);
   cmd->add_option("--filter", o->Filter, "Show only classes whose name contains NAME");
@@ -197,7 +203,8 @@ void AddTreeCommand(CLI::App& app) {
 void AddHierarchyCommand(CLI::App& app) {
   auto args = std::make_shared<std::vector<std::string>>();
   auto* cmd = app.add_subcommand(
-      "hierarchy", "Print the classes under their ancestors; with CLASS its ancestors and descendants");
+      "hierarchy",
+      "Print the classes under their ancestors; with CLASS its ancestors and descendants");
   cmd->add_option("args", *args, "[CLASS] [PROJECT], in either order")->expected(0, 2);
   cmd->callback([args] {
     std::string project, className;
@@ -224,7 +231,9 @@ void AddFindCommand(CLI::App& app) {
     TFindOptions Options;
   };
   auto a = std::make_shared<TFindArgs>();
-  auto* cmd = app.add_subcommand("find", "Print the classes, fields, properties, methods and routines whose name contains TEXT");
+  auto* cmd = app.add_subcommand(
+      "find",
+      "Print the classes, fields, properties, methods and routines whose name contains TEXT");
   cmd->add_option("text", a->Text, "What to look for")->required();
   cmd->add_option("project", a->Project, "Project file or folder");
   cmd->add_flag("--match-case", a->Options.MatchCase, "Letter case must match");

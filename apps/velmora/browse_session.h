@@ -24,15 +24,15 @@ namespace velmora::app {
 
 /// How the open went; what `--stats` prints.
 struct TOpenStats {
-  bool Warm = false;       ///< the saved class information was loaded
-  int FilesTotal = 0;      ///< files in the model after the open, includes counted
-  int FilesParsed = 0;     ///< of those, parsed in this run
-  int FilesUnreadable = 0;  ///< named by the project or an include but not readable
-  int FilesDropped = 0;     ///< in the saved model but no longer part of the project
-  double LoadSeconds = 0;   ///< reading the class information file
-  double ParseSeconds = 0;  ///< parsing, from the first file to the last
-  double TotalSeconds = 0;  ///< the whole open, project file to merged model
-  std::string ClassInfoFile;  ///< where the model is saved, beside the project
+  bool Warm = false;           ///< the saved class information was loaded
+  int FilesTotal = 0;          ///< files in the model after the open, includes counted
+  int FilesParsed = 0;         ///< of those, parsed in this run
+  int FilesUnreadable = 0;     ///< named by the project or an include but not readable
+  int FilesDropped = 0;        ///< in the saved model but no longer part of the project
+  double LoadSeconds = 0;      ///< reading the class information file
+  double ParseSeconds = 0;     ///< parsing, from the first file to the last
+  double TotalSeconds = 0;     ///< the whole open, project file to merged model
+  std::string ClassInfoFile;   ///< where the model is saved, beside the project
   int64_t ClassInfoBytes = 0;  ///< its size when it was loaded, else 0
 };
 

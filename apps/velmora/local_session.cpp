@@ -119,7 +119,8 @@ void TLocalSession::Open(const std::string& projectPath, const TSessionCallbacks
   std::deque<std::string> queue;
   if (FileDateOf(stats_.ClassInfoFile) != -1) {
     const auto loadStart = Clock::now();
-    const TModelFileOutcome loaded = LoadClassInfoFileReported(stats_.ClassInfoFile, files_, classes_);
+    const TModelFileOutcome loaded =
+        LoadClassInfoFileReported(stats_.ClassInfoFile, files_, classes_);
     stats_.LoadSeconds = SecondsSince(loadStart);
     if (loaded.Ok) {
       stats_.Warm = true;
@@ -198,7 +199,8 @@ bool TLocalSession::ParseFile(const std::string& path, std::vector<std::string>*
     classes_.Includes.Remove(unitName);
     if (includeNames.Count() > 0) {
       TIncludeUnit* unit = classes_.Includes.FindOrAdd(unitName);
-      for (int i = 0; i < includeNames.Count(); ++i) unit->IncludedNames.Add(includeNames.Strings(i));
+      for (int i = 0; i < includeNames.Count(); ++i)
+        unit->IncludedNames.Add(includeNames.Strings(i));
     }
   }
   TFileDescription* entry = FileEntry(path);
@@ -213,7 +215,8 @@ bool TLocalSession::ParseFile(const std::string& path, std::vector<std::string>*
   if (includes) {
     const std::string dir(ExtractFilePath(path));
     for (int i = 0; i < includeNames.Count(); ++i) {
-      const std::string found = ResolveIncludeFile(includeNames.Strings(i), dir, project_.IncludePath);
+      const std::string found =
+          ResolveIncludeFile(includeNames.Strings(i), dir, project_.IncludePath);
       if (!found.empty()) includes->push_back(CanonicalName(found));
     }
   }
@@ -264,7 +267,8 @@ void TLocalSession::DropUnreached() {
   for (const std::string& path : unreached) {
     // Objects of a unit name that a reached file shares stay: they are that file's.
     bool shared = false;
-    for (const std::string& kept : reached) shared = shared || ExtractFileName(kept) == ExtractFileName(path);
+    for (const std::string& kept : reached)
+      shared = shared || ExtractFileName(kept) == ExtractFileName(path);
     if (shared) {
       files_.Delete(files_.Index.IndexOfObject(FileEntry(path)));
     } else {
@@ -308,6 +312,8 @@ bool TLocalSession::Save() {
 
 }  // namespace
 
-std::unique_ptr<TBrowseSession> CreateBrowseSession() { return std::make_unique<TLocalSession>(); }
+std::unique_ptr<TBrowseSession> CreateBrowseSession() {
+  return std::make_unique<TLocalSession>();
+}
 
 }  // namespace velmora::app

@@ -2,12 +2,12 @@
 // parses each file of the model again when it changes on disk (inotify on the folders
 // that hold them), printing one line per class added, changed or removed. Ctrl+C (or
 // SIGTERM) ends it; the class information is saved on the way out.
-#include <CLI/CLI.hpp>
 #include <poll.h>
 #include <signal.h>
 #include <sys/inotify.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <map>
@@ -54,7 +54,8 @@ void Collect(const TCommonClassList& list, const std::string& prefix, TSnapshot&
     const TClassDescription& cls = *list.Items(i);
     const std::string name = prefix + cls.Name;
     out[name] = {Signature(cls), cls.UnitName, cls.StartLine};
-    if (const TCommonClassList* nested = cls.NestedClassesIfAny()) Collect(*nested, name + ".", out);
+    if (const TCommonClassList* nested = cls.NestedClassesIfAny())
+      Collect(*nested, name + ".", out);
   }
 }
 
@@ -172,8 +173,9 @@ void RunWatch(const std::string& project) {
 
 void AddWatchCommand(CLI::App& app) {
   auto project = std::make_shared<std::string>();
-  auto* cmd = app.add_subcommand(
-      "watch", "Stay running: parse files again as they change and print each class added, changed or removed");
+  auto* cmd = app.add_subcommand("watch",
+                                 "Stay running: parse files again as they change and print each "
+                                 "class added, changed or removed");
   cmd->add_option("project", *project, "Project file or folder");
   cmd->callback([project] { RunWatch(*project); });
 }

@@ -1,0 +1,355 @@
+// The velmora command as a user meets it: the class view of the example project against
+// golden texts, the other browsing commands, a warm start that parses only what changed,
+// JSON that tools can read, watch, and the errors with their messages and exit codes.
+// Every case runs on a fresh copy of examples/ in a folder of its own.
+// VELMORA_UPDATE_GOLDEN=1 rewrites the golden files.
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <unistd.h>
+
+#include <fstream>
+#include <functional>
+
+#include "catalogue/catalogue_support.h"
+#include "cli/cli_support.h"
+
+namespace velmora::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using catalogue::ReadFile;
+using catalogue::Snapshot;
+using catalogue::TScratchDir;
+using catalogue::WriteFile;
+using namespace std::chrono_literals;
+
+const std::string kProject = "KilnLog/KilnLog.bpr";
+
+/// The folder a case runs in, inside a scratch folder that also takes the command's
+/// settings and captured output, so all of it goes at the end.
+class TWorkDir {
+ public:
+  TWorkDir() { fs::create_directories(Path()); }
+  fs::path Path() const { return scratch_.Path() / "work"; }
+
+ private:
+  TScratchDir scratch_;
+};
+
+/// The value of "KEY: value" in `--stats` output, "" when missing.
+std::string StatOf(const std::string& stats, const std::string& key) {
+  const std::string prefix = key + ": ";
+  const size_t at = stats.find(prefix);
+  if (at == std::string::npos) return {};
+  const size_t start = at + prefix.size();
+  return stats.substr(start, stats.find('\n', start) - start);
+}
+
+int Lines(const std::string& text) {
+  return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+}
+
+struct TGoldenCase {
+  const char* name;
+  std::vector<std::string> args;
+};
+
+TEST(VelmoraCommand, GoldenOutputOfTheExampleProject) {
+  const std::vector<TGoldenCase> cases = {
+      {.name = "tree", .args = {kProject}},
+      {.name = "tree_named", .args = {"tree", kProject}},
+      {.name = "tree_private_fields", .args = {kProject, "--fields", "--private"}},
+      {.name = "tree_filter_form_methods",
+       .args = {kProject, "--filter", "Form", "--methods", "--protected"}},
+      {.name = "tree_nothing_shown", .args = {kProject, "--filter", "TCostModel", "--properties"}},
+      {.name = "hierarchy", .args = {"hierarchy", kProject}},
+      {.name = "hierarchy_class", .args = {"hierarchy", "TElectricCost", kProject}},
+      {.name = "hierarchy_library_class", .args = {"hierarchy", kProject, "TForm"}},
+      {.name = "find", .args = {"find", "firing", kProject}},
+      {.name = "find_whole_word_case",
+       .args = {"find", "--whole-word", "--match-case", "Cost", kProject}},
+      {.name = "files", .args = {"files", kProject}},
+      {.name = "folder_project", .args = {"KilnLog"}},
+  };
+  const fs::path goldenDir = fs::path(VELMORA_TEST_DATA) / "cli" / "golden";
+  const char* update = std::getenv("VELMORA_UPDATE_GOLDEN");
+  for (const TGoldenCase& c : cases) {
+    TWorkDir dir;
+    CopyExamples(dir.Path());
+    const TCliRun run = RunIn(dir.Path(), c.args);
+    EXPECT_EQ(run.ExitCode, 0) << c.name << "\n" << run.Err;
+    const fs::path golden = goldenDir / (std::string(c.name) + ".txt");
+    if (update && std::string(update) == "1") {
+      std::ofstream(golden, std::ios::binary) << run.Out;
+      continue;
+    }
+    ASSERT_TRUE(fs::exists(golden)) << c.name;
+    EXPECT_EQ(run.Out, ReadFile(golden)) << c.name;
+  }
+}
+
+TEST(VelmoraCommand, ReadableTreeLeavesOutWhatANodeLacks) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  const TCliRun run = RunIn(dir.Path(), {kProject});
+  ASSERT_EQ(run.ExitCode, 0) << run.Err;
+  EXPECT_EQ(run.Out.find("[]"), std::string::npos);
+  EXPECT_EQ(run.Out.find(":-1"), std::string::npos);
+  EXPECT_EQ(run.Out.find("  \n"), std::string::npos);
+  EXPECT_NE(run.Out.find("[virtual abstract const]"), std::string::npos);
+  EXPECT_NE(run.Out.find("  KilnLog/MainForm.h:15\n"), std::string::npos);
+  EXPECT_NE(run.Out.find("  common/StudioDefs.h:"), std::string::npos);
+}
+
+TEST(VelmoraCommand, WarmStartParsesOnlyWhatChanged) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  const TCliRun cold = RunIn(dir.Path(), {kProject, "--stats"});
+  ASSERT_EQ(cold.ExitCode, 0) << cold.Err;
+  EXPECT_EQ(StatOf(cold.Out, "open"), "cold");
+  EXPECT_EQ(StatOf(cold.Out, "files parsed"), StatOf(cold.Out, "files"));
+  ASSERT_TRUE(fs::exists(dir.Path() / "KilnLog/KilnLog.cinfo"));
+  const std::string coldTree = RunIn(dir.Path(), {kProject}).Out;
+
+  struct TStep {
+    const char* name;
+    std::function<void()> change;
+    std::string parsed;
+  };
+  const std::vector<TStep> steps = {
+      {.name = "nothing changed", .change = [] {}, .parsed = "0"},
+      {.name = "one header saved later",
+       .change = [&] { TouchLater(dir.Path() / "KilnLog/MainForm.h", 10); },
+       .parsed = "1"},
+      {.name = "one Pascal unit saved later",
+       .change = [&] { TouchLater(dir.Path() / "KilnLog/GlazeForm.pas", 20); },
+       .parsed = "1"},
+  };
+  for (const TStep& step : steps) {
+    step.change();
+    const TCliRun warm = RunIn(dir.Path(), {kProject, "--stats"});
+    EXPECT_EQ(warm.ExitCode, 0) << step.name << "\n" << warm.Err;
+    EXPECT_EQ(StatOf(warm.Out, "open"), "warm") << step.name;
+    EXPECT_EQ(StatOf(warm.Out, "files parsed"), step.parsed) << step.name;
+    EXPECT_EQ(StatOf(warm.Out, "files"), StatOf(cold.Out, "files")) << step.name;
+    EXPECT_NE(StatOf(warm.Out, "load time"), "") << step.name;
+    EXPECT_NE(warm.Err.find("loaded the saved class information"), std::string::npos) << step.name;
+  }
+  // The model a warm start shows is the one a cold start made.
+  EXPECT_EQ(RunIn(dir.Path(), {kProject}).Out, coldTree);
+}
+
+TEST(VelmoraCommand, WarmStartSeesAClassAddedAndAFileGone) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  ASSERT_EQ(RunIn(dir.Path(), {kProject}).ExitCode, 0);
+  const fs::path header = dir.Path() / "KilnLog/ScheduleDlg.h";
+  WriteFile(header, ReadFile(header) + "\r\nclass TAddedLater { int FValue; };\r\n");
+  TouchLater(header, 10);
+  const TCliRun added = RunIn(dir.Path(), {kProject});
+  EXPECT_NE(added.Out.find("class TAddedLater  KilnLog/ScheduleDlg.h:"), std::string::npos);
+  fs::remove(dir.Path() / "KilnLog/ExportUnit.pas");
+  const TCliRun gone = RunIn(dir.Path(), {kProject});
+  EXPECT_EQ(gone.ExitCode, 0) << gone.Err;
+  EXPECT_EQ(gone.Out.find("ExportUnit.pas"), std::string::npos);
+  EXPECT_NE(gone.Out.find("TAddedLater"), std::string::npos);
+}
+
+TEST(VelmoraCommand, DamagedClassInformationIsReportedAndTheProjectParsedAgain) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  const std::string expected = RunIn(dir.Path(), {kProject}).Out;
+  const fs::path cinfo = dir.Path() / "KilnLog/KilnLog.cinfo";
+  const std::string saved = ReadFile(cinfo);
+  struct TDamage {
+    const char* name;
+    std::string bytes;
+  };
+  const std::vector<TDamage> damages = {
+      {.name = "empty", .bytes = ""},
+      {.name = "cut in the middle", .bytes = saved.substr(0, saved.size() / 2)},
+      {.name = "not class information", .bytes = "hello, world\n"},
+  };
+  for (const TDamage& d : damages) {
+    WriteFile(cinfo, d.bytes);
+    const TCliRun run = RunIn(dir.Path(), {kProject});
+    EXPECT_EQ(run.ExitCode, 0) << d.name << "\n" << run.Err;
+    EXPECT_NE(run.Err.find("The class information file"), std::string::npos) << d.name << run.Err;
+    EXPECT_EQ(run.Out, expected) << d.name;
+    // Parsed again and saved: the next start is warm.
+    const TCliRun next = RunIn(dir.Path(), {kProject, "--stats"});
+    EXPECT_EQ(StatOf(next.Out, "open"), "warm") << d.name;
+  }
+}
+
+TEST(VelmoraCommand, UnreadableSourceIsReportedAndSkipped) {
+  // Permissions are the way a user meets an unreadable unit; root reads it anyway.
+  if (::geteuid() == 0) GTEST_SKIP() << "root reads files without read permission";
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  const fs::path unit = dir.Path() / "KilnLog/GlazeForm.pas";
+  fs::permissions(unit, fs::perms::none);
+  const TCliRun run = RunIn(dir.Path(), {kProject});
+  fs::permissions(unit, fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(run.ExitCode, 0) << run.Err;
+  EXPECT_NE(run.Err.find(unit.string()), std::string::npos) << run.Err;
+  EXPECT_NE(run.Err.find("(skipped)\n"), std::string::npos) << run.Err;
+  EXPECT_EQ(run.Out.find("TGlazeRecipeForm"), std::string::npos);
+  EXPECT_NE(run.Out.find("class TFormMain : TForm"), std::string::npos);
+}
+
+void ExpectPaths(const nlohmann::json& node, const std::string& where) {
+  const std::string kind = node.value("kind", "");
+  if (kind == "class" || kind == "routine" || kind == "method") {
+    ASSERT_TRUE(node.contains("path")) << where << node.dump();
+    EXPECT_TRUE(fs::path(node["path"].get<std::string>()).is_absolute()) << where;
+    EXPECT_TRUE(fs::exists(node["path"].get<std::string>())) << where;
+  }
+  if (node.contains("children"))
+    for (const auto& child : node["children"])
+      ExpectPaths(child, where + "/" + node.value("name", ""));
+}
+
+TEST(VelmoraCommand, JsonCarriesItsVersionAndEveryPath) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  const TCliRun run = RunIn(dir.Path(), {kProject, "--json"});
+  ASSERT_EQ(run.ExitCode, 0) << run.Err;
+  const nlohmann::json j = nlohmann::json::parse(run.Out);
+  EXPECT_EQ(j["format"], "velmora-class-view");
+  EXPECT_EQ(j["version"], 1);
+  EXPECT_EQ(j["project"]["name"], "KilnLog");
+  ASSERT_EQ(j["roots"].size(), 2u);
+  EXPECT_EQ(j["roots"][0]["name"], "KilnLog - Classes");
+  EXPECT_EQ(j["roots"][1]["name"], "External Classes");
+  EXPECT_EQ(j["roots"][0]["classes"].size(), 15u);  // and one nested class
+  EXPECT_EQ(j["roots"][0]["routines"].size(), 8u);
+  for (const auto& cls : j["roots"][0]["classes"]) ExpectPaths(cls, "classes");
+  for (const auto& routine : j["roots"][0]["routines"]) ExpectPaths(routine, "routines");
+}
+
+TEST(VelmoraCommand, VersionAndHelp) {
+  TWorkDir dir;
+  const TCliRun version = RunIn(dir.Path(), {"--version"});
+  EXPECT_EQ(version.ExitCode, 0);
+  EXPECT_EQ(version.Out, "velmora " VELMORA_VERSION "\n");
+  const TCliRun help = RunIn(dir.Path(), {"tree", "--help"});
+  EXPECT_EQ(help.ExitCode, 0);
+  EXPECT_NE(help.Out.find("class TFormMain : TForm  examples/KilnLog/MainForm.h:15"),
+            std::string::npos);
+}
+
+// Each error: one line on standard error in the one style, nothing on standard output,
+// the exit code of its kind, and no file written.
+TEST(VelmoraCommand, ErrorsAsUsersMeetThem) {
+  struct TErrorCase {
+    const char* name;
+    std::vector<std::string> args;
+    int exitCode;
+    std::string message;  ///< part of the one line after "velmora: "
+  };
+  const std::vector<TErrorCase> cases = {
+      {.name = "missing project",
+       .args = {"Nowhere/Missing.bpr"},
+       .exitCode = 1,
+       .message = "Missing.bpr"},
+      {.name = "missing project, tree",
+       .args = {"tree", "missing.dproj"},
+       .exitCode = 1,
+       .message = "missing.dproj"},
+      {.name = "missing project, find",
+       .args = {"find", "x", "missing.lpi"},
+       .exitCode = 1,
+       .message = "missing.lpi"},
+      {.name = "damaged project file",
+       .args = {"Broken.cbproj"},
+       .exitCode = 1,
+       .message = "Broken.cbproj"},
+      {.name = "project file of no known kind",
+       .args = {"notes.txt"},
+       .exitCode = 1,
+       .message = "notes.txt"},
+      {.name = "unknown command",
+       .args = {"tre"},
+       .exitCode = 2,
+       .message = "unknown command 'tre'; did you mean 'tree'?"},
+      {.name = "unknown command near find",
+       .args = {"fnd", "x"},
+       .exitCode = 2,
+       .message = "did you mean 'find'?"},
+      {.name = "unknown command near watch",
+       .args = {"wacth"},
+       .exitCode = 2,
+       .message = "did you mean 'watch'?"},
+      {.name = "unknown option",
+       .args = {kProject, "--colour"},
+       .exitCode = 2,
+       .message = "--colour"},
+      {.name = "json and stats",
+       .args = {kProject, "--json", "--stats"},
+       .exitCode = 2,
+       .message = "--json"},
+      {.name = "find without text", .args = {"find"}, .exitCode = 2, .message = "text"},
+      {.name = "filter without name",
+       .args = {kProject, "--filter"},
+       .exitCode = 2,
+       .message = "--filter"},
+      {.name = "unknown class",
+       .args = {"hierarchy", "TNoSuchClass", kProject},
+       .exitCode = 1,
+       .message = "TNoSuchClass"},
+  };
+  for (const TErrorCase& c : cases) {
+    TWorkDir dir;
+    CopyExamples(dir.Path());
+    WriteFile(dir.Path() / "Broken.cbproj", "<Project><PropertyGroup><Unclosed");
+    WriteFile(dir.Path() / "notes.txt", "not a project\n");
+    if (c.name == std::string("unknown class")) {
+      ASSERT_EQ(RunIn(dir.Path(), {kProject}).ExitCode, 0);
+    }
+    const auto before = Snapshot(dir.Path());
+    const TCliRun run = RunIn(dir.Path(), c.args);
+    EXPECT_EQ(run.ExitCode, c.exitCode) << c.name << "\n" << run.Err;
+    EXPECT_TRUE(run.Out.empty()) << c.name << "\n" << run.Out;
+    // The last line is the error; a run that opened the project said so first.
+    const std::string last = run.Err.substr(run.Err.rfind('\n', run.Err.size() - 2) + 1);
+    EXPECT_TRUE(last.starts_with("velmora: ")) << c.name << "\n" << run.Err;
+    EXPECT_NE(last.find(c.message), std::string::npos) << c.name << "\n" << run.Err;
+    if (c.exitCode == 2 || c.name == std::string("missing project")) {
+      EXPECT_EQ(Lines(run.Err), 1) << c.name << "\n" << run.Err;
+    }
+    EXPECT_TRUE(Snapshot(dir.Path()) == before) << c.name;
+  }
+}
+
+TEST(VelmoraCommand, WatchReportsClassesAsFilesChangeAndSavesOnInterrupt) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  TBackgroundRun watch(dir.Path(), {"watch", kProject});
+  ASSERT_TRUE(watch.WaitForErr("watching", 30s)) << watch.Err();
+  const fs::path cinfo = dir.Path() / "KilnLog/KilnLog.cinfo";
+  const auto savedAtStart = fs::last_write_time(cinfo);
+
+  const fs::path header = dir.Path() / "KilnLog/ScheduleDlg.h";
+  const std::string original = ReadFile(header);
+  // Written whole to a temporary file and renamed, as editors save.
+  WriteFile(dir.Path() / "KilnLog/.save.tmp", original + "\r\nclass TWatched { int FValue; };\r\n");
+  fs::rename(dir.Path() / "KilnLog/.save.tmp", header);
+  EXPECT_TRUE(watch.WaitForOut("added class TWatched  KilnLog/ScheduleDlg.h:", 10s)) << watch.Out();
+
+  std::string changed = original;
+  changed.replace(changed.find("FillGrid();"), 8, "RefillGrid");
+  WriteFile(header, changed);
+  EXPECT_TRUE(watch.WaitForOut("removed class TWatched", 10s)) << watch.Out();
+  EXPECT_TRUE(watch.WaitForOut("changed class TScheduleDialog", 10s)) << watch.Out();
+  EXPECT_EQ(watch.Out().find("TRampTable"), std::string::npos) << watch.Out();
+
+  EXPECT_EQ(watch.Interrupt(), 0) << watch.Err();
+  EXPECT_NE(fs::last_write_time(cinfo), savedAtStart);
+  const TCliRun after = RunIn(dir.Path(), {kProject, "--stats"});
+  EXPECT_EQ(StatOf(after.Out, "files parsed"), "0") << after.Out;
+}
+
+}  // namespace
+}  // namespace velmora::cli
