@@ -209,7 +209,9 @@ std::string RenderTreeJson(const TClassView& view, const TPathNamer& paths,
         {{"name", root.Text}, {"classes", classes}, {"domains", domains}, {"routines", routines}});
   }
   j["roots"] = roots;
-  return j.dump(2) + "\n";
+  // Names are single-byte source text; a byte that is not UTF-8 becomes U+FFFD rather
+  // than failing the whole output.
+  return j.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 namespace {
