@@ -95,19 +95,10 @@ constexpr auto kKnownMacros = [] {
 static_assert(std::adjacent_find(kKnownMacros.begin(), kKnownMacros.end()) == kKnownMacros.end(),
               "a macro name is listed twice");
 
+// The close of a group CollectBracket counts: the bracket pairs of the token table, and
+// `<` with `>` for template argument lists.
 int CloseKindOf(int openKind) {
-  switch (openKind) {
-    case ctOpenBrace:
-      return ctCloseBrace;
-    case ctLess:
-      return ctGreater;
-    case ctOpenParen:
-      return ctCloseParen;
-    case ctOpenBracket:
-      return ctCloseBracket;
-    default:
-      return -1;
-  }
+  return openKind == ctLess ? ctGreater : CppClosingKind(openKind);
 }
 
 }  // namespace

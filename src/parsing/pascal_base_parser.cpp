@@ -10,18 +10,12 @@ using namespace pascal_parser;
 
 namespace {
 
-// The closing kind of a group opener, or 0 for any other kind.
+// The closing kind of a group opener: the bracket pairs of the token table, and `record`
+// with its `end`; 0 for any other kind.
 int CloseOf(int openKind) {
-  switch (openKind) {
-    case ptOpenParen:
-      return ptCloseParen;
-    case ptOpenBracket:
-      return ptCloseBracket;
-    case ptRecord:
-      return ptEnd;
-    default:
-      return 0;
-  }
+  if (openKind == ptRecord) return ptEnd;
+  const int close = PascalClosingKind(openKind);
+  return close < 0 ? 0 : close;
 }
 
 // Builds a text from tokens with every gap (blanks, line ends, comments) made one space

@@ -206,7 +206,7 @@ TEST(TokenizerCursorTest, NextSkipCommentsStopsOnBlanks) {
   EXPECT_EQ(t.NextSkipComments(), 1);
   EXPECT_EQ(t.Index(), 3);
   EXPECT_EQ(t.GetLine(), 2);
-  EXPECT_EQ(t.NextSkipComments(), 172);
+  EXPECT_EQ(t.NextSkipComments(), ctIdentifier);
   EXPECT_EQ(t.NextSkipComments(), 0);
   EXPECT_EQ(t.NextSkipComments(), 0);
   EXPECT_EQ(t.Index(), t.LastIndex());
