@@ -107,6 +107,7 @@ bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, b
   text.clear();
   const int closeKind = CloseKindOf(openKind);
   if (closeKind < 0) return false;
+  VELMORA_DCHECK(tokenizer.Kind() == openKind, "CollectBracket starts on the group's opener");
   int depth = 1;
   bool inBlanks = false;  // the last thing collected was the blank of a run
   for (;;) {
@@ -217,7 +218,9 @@ void TCPPBaseParser::Parse() {
   // the step below always moves on. A parser that stopped keeps its last token (a class
   // body's `}`) under the cursor for whoever called it.
   while (!Stopped && t.Kind() != ctEndOfText) {
+    [[maybe_unused]] const int32_t start = t.Index();
     HandleToken();
+    VELMORA_DCHECK(t.Index() >= start, "a handler never leaves the cursor before its token");
     if (Stopped) break;
     t.NextSignificant();
   }
@@ -245,6 +248,7 @@ uint16_t ModifierDirective(int kind) {
 }
 
 bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text) {
+  VELMORA_DCHECK(tokenizer.Kind() == ctLess, "template arguments start on their `<`");
   if (text) text->clear();
   int depth = 1;
   int parens = 0;

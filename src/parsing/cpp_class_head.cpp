@@ -73,15 +73,15 @@ int ReadAncestors(TCPPTokenizer& t, TClassAncestorList& ancestors) {
 
 // ---- TCPPClassFinderParser ----
 
-TCPPClassFinderParser::TCPPClassFinderParser(std::string_view fileName, uint8_t option,
-                                             TClasslist* target)
-    : FileName(fileName), Target(target), Option(option) {}
+TCPPClassFinderParser::TCPPClassFinderParser(std::string_view fileName, TClasslist* target)
+    : FileName(fileName), Target(target) {}
 
 TCPPClassFinderParser::TCPPClassFinderParser(TCPPTokenizer& shared, std::string_view fileName,
                                              TClasslist* target, int nesting)
     : TCPPBaseParser(shared), FileName(fileName), Target(target), Nesting(nesting) {}
 
 void TCPPClassFinderParser::ReadTemplateHead() {
+  VELMORA_DCHECK(tokenizer_->Kind() == ctTemplate, "a template head starts on `template`");
   if (tokenizer_->NextSignificant() != ctLess) return;
   CollectTemplateArguments(*tokenizer_, &TemplateParams);
   TemplateParams = Trim(TemplateParams);
@@ -90,6 +90,7 @@ void TCPPClassFinderParser::ReadTemplateHead() {
 
 TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDescription* outer) {
   TCPPTokenizer& t = *tokenizer_;
+  VELMORA_DCHECK(t.Kind() == (isStruct ? ctStruct : ctClass), "a class head starts on its keyword");
   TCursorState before = SaveCursor(t);
   int kind = t.NextSignificant();
   const int32_t startLine = LineHere(t);
@@ -179,6 +180,8 @@ TCPPClassParser::TCPPClassParser(TCPPTokenizer& tokenizer, std::string_view file
       Visibility(owner->ClassKind == TClassKind::Struct ? TVisibility::Public
                                                         : TVisibility::Private),
       positions_(wantPositions ? owner->GetPositionInfo(true) : nullptr) {
+  VELMORA_DCHECK(nesting > 0 && nesting <= kMaxClassNesting,
+                 "a class parser runs only as deep as kMaxClassNesting");
   WantPositions = wantPositions;
 }
 

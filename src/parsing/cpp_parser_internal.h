@@ -10,6 +10,7 @@
 
 #include "model/code_object.h"
 #include "parsing/cpp_parser.h"
+#include "support/check.h"
 
 namespace velmora::cpp_parser {
 

@@ -131,7 +131,9 @@ TPascalBaseParser::TPascalBaseParser(const char* text, int64_t size)
 }
 
 TPascalBaseParser::TPascalBaseParser(TPascalTokenizer* shared)
-    : Tokenizer(shared), OwnsTokenizer(false) {}
+    : Tokenizer(shared), OwnsTokenizer(false) {
+  VELMORA_DCHECK(shared != nullptr, "a class parser shares its file parser's tokenizer");
+}
 
 TPascalBaseParser::~TPascalBaseParser() {
   if (OwnsTokenizer) delete Tokenizer;
@@ -146,6 +148,8 @@ void TPascalBaseParser::Parse() {
   while (!Stopped && t.Kind() != tkEndOfText) {
     handlerStart_ = t.Index();
     HandleToken();
+    VELMORA_DCHECK(t.Index() >= handlerStart_,
+                   "a handler never leaves the cursor before its token");
     if (Stopped) break;
     // Every handler leaves the cursor on or after the token it began on, so this step
     // always moves on: the loop cannot stand still.
@@ -207,6 +211,7 @@ bool IsWordAt(const TTokenizer& t, int kind, std::string_view word) {
 }
 
 bool PassTypeParameters(TTokenizer& t) {
+  VELMORA_DCHECK(t.Kind() == ptLess, "type parameters start on their `<`");
   // Type parameters are names with constraints (`T: class, constructor; U: TBase`); any
   // other token ends the attempt. The walk is short, so `a < b` in a long statement
   // costs a few tokens, never the rest of the text.
@@ -233,6 +238,9 @@ bool PassTypeParameters(TTokenizer& t) {
 bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
                         TRoutineHeading& heading) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(t.Kind() == ptProcedure || t.Kind() == ptFunction || t.Kind() == ptConstructor ||
+                     t.Kind() == ptDestructor,
+                 "a routine heading is read from its kind word");
   if (!IsNameKind(PeekSignificant(t))) return false;
   t.NextSignificant();
   heading.Name = t.Text();

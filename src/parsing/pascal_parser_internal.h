@@ -9,6 +9,7 @@
 #include "model/class_description.h"
 #include "parsing/pascal_parser.h"
 #include "parsing/pascal_tokenizer.h"
+#include "support/check.h"
 
 namespace velmora::pascal_parser {
 

@@ -49,6 +49,7 @@ namespace pascal_parser {
 
 void ParseTypeDeclaration(TPascalClassFinderParser& p, TClassDescription* outer) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(IsNameKind(t.Kind()), "a type declaration starts on its name");
   // Every name of the unit comes here, so the cheap test goes first.
   const int after = PeekSignificant(t);
   if (after != ptEqual && after != ptLess) return;
