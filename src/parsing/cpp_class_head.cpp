@@ -10,14 +10,6 @@ using namespace cpp_parser;
 
 namespace {
 
-// The kind of the next significant token; the cursor stays where it is.
-int PeekSignificant(TCPPTokenizer& t) {
-  const TCursorState here = SaveCursor(t);
-  const int kind = t.NextSignificant();
-  RestoreCursor(t, here);
-  return kind;
-}
-
 // Reads the base clause from the `:` at the cursor up to the body. Access is private until
 // a keyword says otherwise, also for a struct; of a qualified name the last identifier
 // wins (`ns::Base` gives `Base`), and template arguments are no names of their own. Ends
@@ -134,27 +126,23 @@ TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDe
   if (kind == ctColon) kind = ReadAncestors(t, ancestors);
   if (kind != ctOpenBrace && kind != ctBraces) return nullptr;
 
-  TCommonClassList* list = outer ? outer->NestedClasses() : Target;
-  TClassDescription* cls = list->FindOrAdd(name, TLanguage::Cpp);
+  const bool isTemplate = !isStruct && IsTemplate;
+  TCommonClassList& list = outer ? *outer->NestedClasses() : *Target;
+  TClassDescription* cls = parser_common::RecordClassHead(
+      list, FileName, WantPositions,
+      {.Name = name,
+       .Language = TLanguage::Cpp,
+       .Kind = isStruct     ? TClassKind::Struct
+               : isTemplate ? TClassKind::Template
+                            : TClassKind::Class,
+       .TemplateParams = isTemplate ? std::string_view(TemplateParams) : std::string_view(),
+       .Ancestors = std::move(ancestors.Items),
+       .Start = {startLine, startOffset},
+       .End = {LineHere(t), t.Offset()}});
   if (!cls) {  // a reference list holds no classes of its own
     if (kind == ctOpenBrace) SkipBracket(ctOpenBrace);
     return nullptr;
   }
-  if (WantPositions) cls->GetPositionInfo(true)->Reset();
-  cls->Ancestors.Items = std::move(ancestors.Items);
-  if (isStruct) {
-    cls->ClassKind = TClassKind::Struct;
-    cls->TemplateParams.clear();
-  } else if (IsTemplate) {
-    cls->ClassKind = TClassKind::Template;
-    cls->TemplateParams = TemplateParams;
-  } else {
-    cls->ClassKind = TClassKind::Class;
-    cls->TemplateParams.clear();
-  }
-  cls->UnitName = FileName;
-  cls->SetStart(startLine, startOffset);
-  cls->SetEnd(LineHere(t), t.Offset());
 
   if (kind == ctOpenBrace) {
     if (Nesting >= kMaxClassNesting) {

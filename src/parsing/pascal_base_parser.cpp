@@ -168,25 +168,6 @@ void TPascalBaseParser::Unread() {
 
 namespace pascal_parser {
 
-int32_t NextSignificantIndex(const TTokenizer& t, int32_t from) {
-  const TIList& kinds = t.Kinds();
-  const int32_t last = t.LastIndex();
-  int32_t i = from + 1;
-  while (i < last && t.IsBlank(kinds.Get(i))) ++i;
-  return i < last ? i : last;
-}
-
-int PeekSignificant(const TTokenizer& t) {
-  const int32_t last = t.LastIndex();
-  if (t.Index() >= last) return tkEndOfText;
-  return t.Kinds().Get(NextSignificantIndex(t, t.Index()));
-}
-
-TSpot SpotOf(const TTokenizer& t, int32_t index) {
-  const int32_t offset = t.TokenOffset(index);
-  return {t.LineOfOffset(offset), offset};
-}
-
 std::string ReadTypeName(TTokenizer& t) {
   std::string name = t.Text();
   // A dot counts only when a name follows it; otherwise it belongs to whatever comes next.
