@@ -1,6 +1,5 @@
 #include "parsing/cpp_tokenizer.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -31,8 +30,7 @@ constexpr int kFirstKeywordKind = 10;
 static_assert(keywords::RunsFrom(kCppKeywordKinds, kFirstKeywordKind),
               "cpp_token_kinds.def: the keywords run unbroken from 10");
 constexpr int kMaxKeywordLength = 16;  // reinterpret_cast
-static_assert(std::ranges::max(kCppKeywords, {}, &std::string_view::size).size() ==
-              kMaxKeywordLength);
+static_assert(keywords::LongestWord(kCppKeywords) == kMaxKeywordLength);
 
 // The words after `#`, with their kinds.
 constexpr std::array kDirectives = {

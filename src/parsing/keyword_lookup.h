@@ -92,6 +92,22 @@ constexpr bool RunsFrom(const std::array<int, N>& numbers, int first) {
   return true;
 }
 
+/// The length of the longest word, which bounds the identifiers a scanner looks up.
+template <size_t N>
+constexpr size_t LongestWord(const std::array<std::string_view, N>& words) {
+  size_t longest = 0;
+  for (const std::string_view w : words) longest = w.size() > longest ? w.size() : longest;
+  return longest;
+}
+/// No upper-case letter in any word: a table a scanner looks lowered words up in.
+template <size_t N>
+constexpr bool AllLowerCase(const std::array<std::string_view, N>& words) {
+  for (const std::string_view w : words)
+    for (const char c : w)
+      if (c >= 'A' && c <= 'Z') return false;
+  return true;
+}
+
 template <size_t N, int Bits>
 class TKeywordTable {
  public:

@@ -1,6 +1,5 @@
 #include "parsing/pascal_tokenizer.h"
 
-#include <algorithm>
 #include <array>
 
 #include "parsing/keyword_lookup.h"
@@ -33,12 +32,9 @@ static_assert(keywords::RunsFrom(kPascalKeywordKinds, kFirstKeywordKind),
 // Longer identifiers are never keywords and skip the lookup (initialization,
 // implementation, resourcestring).
 constexpr int kMaxKeywordLength = 14;
-static_assert(std::ranges::max(kPascalKeywords, {}, &std::string_view::size).size() ==
-              kMaxKeywordLength);
+static_assert(keywords::LongestWord(kPascalKeywords) == kMaxKeywordLength);
 // The scanner lowers the packed word before the lookup, so the table holds lower case.
-static_assert(std::ranges::none_of(kPascalKeywords, [](std::string_view w) {
-  return std::ranges::any_of(w, [](char c) { return c >= 'A' && c <= 'Z'; });
-}));
+static_assert(keywords::AllLowerCase(kPascalKeywords));
 
 constexpr keywords::TKeywordTable<kPascalKeywords.size(), 10> kKeywordTable(kPascalKeywords);
 
