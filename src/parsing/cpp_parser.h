@@ -50,7 +50,7 @@ bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, b
 
 /// Moves on (significant tokens only) until the kind at the cursor is in `stops` and
 /// returns it. `{`, `(` and `[` groups are passed whole; when the close of a group is
-/// itself a stop, it is the result. 206 at the end of text.
+/// itself a stop, it is the result. ctUnknownChar at the end of text.
 int SkipTo(TCPPTokenizer& tokenizer, const TTokenKindSet& stops);
 
 /// From a directive token to the end of its line, a backslash continuing the line over

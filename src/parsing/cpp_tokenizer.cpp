@@ -41,6 +41,10 @@ constexpr std::array kDirectiveKinds = {
 #define CPP_DIRECTIVE(Name, Number, Word) Name,
 #include "parsing/cpp_token_kinds.def"
 };
+// The parsers pass every directive by its range (IsDirectiveKind), the lone `#` included.
+static_assert(kDirectiveKinds.front() == ctHashDefine && kDirectiveKinds.back() == ctHashUndef &&
+                  ctHash > ctHashDefine && ctHash < ctHashUndef,
+              "cpp_token_kinds.def: the directives run from ctHashDefine to ctHashUndef");
 
 constexpr keywords::TKeywordTable<kCppKeywords.size(), 10> kKeywordTable(kCppKeywords);
 constexpr keywords::TKeywordTable<kDirectives.size(), 6> kDirectiveTable(kDirectives);

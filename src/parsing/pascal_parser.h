@@ -45,7 +45,7 @@ bool PascalCollectBracket(TTokenizer& t, int openKind, std::string* text);
 
 /// From the cursor on: the first token whose kind is in `stops`, passing `(`, `[` and
 /// `record` groups whole (their closing token counts when it is a stop). Returns the kind
-/// reached, or 145 at the end of the text.
+/// reached, or ptUnknownChar at the end of the text.
 int PascalSkipTo(TTokenizer& t, const TTokenKindSet& stops);
 
 /// Collects the tokens after the cursor up to the first one of `kind` outside `(`, `[` and

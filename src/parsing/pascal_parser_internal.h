@@ -14,8 +14,8 @@
 
 namespace velmora::pascal_parser {
 
-/// Names: identifiers and the directive words 74..112, since `name`, `index`, `read` or
-/// `message` are ordinary names wherever Pascal does not give them a meaning.
+/// Names: identifiers and the directive words (ptAbsolute..ptWriteonly), since `name`, `index`,
+/// `read` or `message` are ordinary names wherever Pascal does not give them a meaning.
 inline bool IsNameKind(int kind) {
   return kind == ptIdentifier || (kind >= ptAbsolute && kind <= ptWriteonly);
 }

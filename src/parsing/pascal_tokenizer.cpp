@@ -35,6 +35,14 @@ constexpr int kMaxKeywordLength = 14;
 static_assert(keywords::LongestWord(kPascalKeywords) == kMaxKeywordLength);
 // The scanner lowers the packed word before the lookup, so the table holds lower case.
 static_assert(keywords::AllLowerCase(kPascalKeywords));
+// The parsers take the directive words for names by their range (IsNameKind).
+constexpr std::array kDirectiveWordKinds = {
+#define PASCAL_DIRECTIVE_WORD(Name, Number, Spelling) Number,
+#include "parsing/pascal_token_kinds.def"
+};
+static_assert(keywords::RunsFrom(kDirectiveWordKinds, ptAbsolute) &&
+                  kDirectiveWordKinds.back() == ptWriteonly,
+              "pascal_token_kinds.def: the directive words run from ptAbsolute to ptWriteonly");
 
 constexpr keywords::TKeywordTable<kPascalKeywords.size(), 10> kKeywordTable(kPascalKeywords);
 
