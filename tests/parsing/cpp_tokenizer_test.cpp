@@ -272,11 +272,11 @@ TEST(CppTokenizerTest, EmptyTextHasOnlyTheEndEntry) {
   TCPPTokenizer t;
   t.SetText("", 0);
   EXPECT_EQ(t.LastIndex(), 0);
-  EXPECT_EQ(t.Kind(), 0);
+  EXPECT_EQ(t.Kind(), ctEndOfText);
   EXPECT_EQ(t.Offset(), 0);
   EXPECT_EQ(t.Text(), "");
-  EXPECT_EQ(t.NextSignificant(), 0);
-  EXPECT_EQ(t.PrevSignificant(), 0);
+  EXPECT_EQ(t.NextSignificant(), ctEndOfText);
+  EXPECT_EQ(t.PrevSignificant(), ctEndOfText);
   EXPECT_EQ(t.Index(), 0);
 }
 
