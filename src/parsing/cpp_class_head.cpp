@@ -10,14 +10,6 @@ using namespace cpp_parser;
 
 namespace {
 
-// The kind of the next significant token; the cursor stays where it is.
-int PeekSignificant(TCPPTokenizer& t) {
-  const TCursorState here = SaveCursor(t);
-  const int kind = t.NextSignificant();
-  RestoreCursor(t, here);
-  return kind;
-}
-
 // Reads the base clause from the `:` at the cursor up to the body. Access is private until
 // a keyword says otherwise, also for a struct; of a qualified name the last identifier
 // wins (`ns::Base` gives `Base`), and template arguments are no names of their own. Ends
@@ -73,15 +65,15 @@ int ReadAncestors(TCPPTokenizer& t, TClassAncestorList& ancestors) {
 
 // ---- TCPPClassFinderParser ----
 
-TCPPClassFinderParser::TCPPClassFinderParser(std::string_view fileName, uint8_t option,
-                                             TClasslist* target)
-    : FileName(fileName), Target(target), Option(option) {}
+TCPPClassFinderParser::TCPPClassFinderParser(std::string_view fileName, TClasslist* target)
+    : FileName(fileName), Target(target) {}
 
 TCPPClassFinderParser::TCPPClassFinderParser(TCPPTokenizer& shared, std::string_view fileName,
                                              TClasslist* target, int nesting)
     : TCPPBaseParser(shared), FileName(fileName), Target(target), Nesting(nesting) {}
 
 void TCPPClassFinderParser::ReadTemplateHead() {
+  VELMORA_DCHECK(tokenizer_->Kind() == ctTemplate, "a template head starts on `template`");
   if (tokenizer_->NextSignificant() != ctLess) return;
   CollectTemplateArguments(*tokenizer_, &TemplateParams);
   TemplateParams = Trim(TemplateParams);
@@ -90,6 +82,7 @@ void TCPPClassFinderParser::ReadTemplateHead() {
 
 TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDescription* outer) {
   TCPPTokenizer& t = *tokenizer_;
+  VELMORA_DCHECK(t.Kind() == (isStruct ? ctStruct : ctClass), "a class head starts on its keyword");
   TCursorState before = SaveCursor(t);
   int kind = t.NextSignificant();
   const int32_t startLine = LineHere(t);
@@ -133,27 +126,23 @@ TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDe
   if (kind == ctColon) kind = ReadAncestors(t, ancestors);
   if (kind != ctOpenBrace && kind != ctBraces) return nullptr;
 
-  TCommonClassList* list = outer ? outer->NestedClasses() : Target;
-  TClassDescription* cls = list->FindOrAdd(name, TLanguage::Cpp);
+  const bool isTemplate = !isStruct && IsTemplate;
+  TCommonClassList& list = outer ? *outer->NestedClasses() : *Target;
+  TClassDescription* cls = parser_common::RecordClassHead(
+      list, FileName, WantPositions,
+      {.Name = name,
+       .Language = TLanguage::Cpp,
+       .Kind = isStruct     ? TClassKind::Struct
+               : isTemplate ? TClassKind::Template
+                            : TClassKind::Class,
+       .TemplateParams = isTemplate ? std::string_view(TemplateParams) : std::string_view(),
+       .Ancestors = std::move(ancestors.Items),
+       .Start = {startLine, startOffset},
+       .End = {LineHere(t), t.Offset()}});
   if (!cls) {  // a reference list holds no classes of its own
     if (kind == ctOpenBrace) SkipBracket(ctOpenBrace);
     return nullptr;
   }
-  if (WantPositions) cls->GetPositionInfo(true)->Reset();
-  cls->Ancestors.Items = std::move(ancestors.Items);
-  if (isStruct) {
-    cls->ClassKind = TClassKind::Struct;
-    cls->TemplateParams.clear();
-  } else if (IsTemplate) {
-    cls->ClassKind = TClassKind::Template;
-    cls->TemplateParams = TemplateParams;
-  } else {
-    cls->ClassKind = TClassKind::Class;
-    cls->TemplateParams.clear();
-  }
-  cls->UnitName = FileName;
-  cls->SetStart(startLine, startOffset);
-  cls->SetEnd(LineHere(t), t.Offset());
 
   if (kind == ctOpenBrace) {
     if (Nesting >= kMaxClassNesting) {
@@ -179,6 +168,8 @@ TCPPClassParser::TCPPClassParser(TCPPTokenizer& tokenizer, std::string_view file
       Visibility(owner->ClassKind == TClassKind::Struct ? TVisibility::Public
                                                         : TVisibility::Private),
       positions_(wantPositions ? owner->GetPositionInfo(true) : nullptr) {
+  VELMORA_DCHECK(nesting > 0 && nesting <= kMaxClassNesting,
+                 "a class parser runs only as deep as kMaxClassNesting");
   WantPositions = wantPositions;
 }
 

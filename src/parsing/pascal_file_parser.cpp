@@ -40,26 +40,21 @@ std::string_view IncludeNameOf(std::string_view directive) {
 
 // ---- TPascalClassFinderParser ----
 
-TPascalClassFinderParser::TPascalClassFinderParser(std::string_view fileName, uint8_t option,
-                                                   TClasslist* target, const char* text,
-                                                   int64_t size)
-    : TPascalBaseParser(text, size), FileName(fileName), Target(target), Option(option) {}
+TPascalClassFinderParser::TPascalClassFinderParser(std::string_view fileName, TClasslist* target,
+                                                   const char* text, int64_t size)
+    : TPascalBaseParser(text, size), FileName(fileName), Target(target) {}
 
 TPascalClassFinderParser::TPascalClassFinderParser(TPascalClassFinderParser& outer)
-    : TPascalBaseParser(outer.Tokenizer),
-      FileName(outer.FileName),
-      Target(outer.Target),
-      Option(outer.Option) {
+    : TPascalBaseParser(outer.Tokenizer), FileName(outer.FileName), Target(outer.Target) {
   WantPositions = outer.WantPositions;
 }
 
 // ---- TPascalFileParser ----
 
-TPascalFileParser::TPascalFileParser(std::string_view fileName, uint8_t option, TClasslist* target,
-                                     const TMemoryStream* stream)
-    : TPascalClassFinderParser(fileName, option, target, stream ? stream->Memory() : nullptr,
-                               stream ? stream->Size() : 0),
-      Stream(stream) {}
+TPascalFileParser::TPascalFileParser(std::string_view fileName, uint8_t /*option*/,
+                                     TClasslist* target, const TMemoryStream* stream)
+    : TPascalClassFinderParser(fileName, target, stream ? stream->Memory() : nullptr,
+                               stream ? stream->Size() : 0) {}
 
 void TPascalFileParser::EnterImplementation() {
   InImplementation = true;
@@ -98,6 +93,8 @@ namespace pascal_parser {
 
 void ParseRoutineDeclaration(TPascalFileParser& p) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(t.Kind() == ptProcedure || t.Kind() == ptFunction,
+                 "a routine starts on `procedure` or `function`");
   const TSpot start = Here(t);
   const bool isFunction = t.Kind() == ptFunction;
   // `procedure(...)` or `function:` belongs to a procedural type, not a routine, and

@@ -24,6 +24,7 @@ std::string TakeValue(TTokenizer& t) {
 
 void ParsePropertyDeclaration(TPascalClassParser& p) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(t.Kind() == ptProperty, "a property starts on `property`");
   const TSpot start = Here(t);
   if (!IsNameKind(PeekSignificant(t))) return;
   t.NextSignificant();
