@@ -172,6 +172,11 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
         blank = true;
         break;
       case ctIdentifier: {
+        if (t.TokenView(t.Index()) == "DYNAMIC") {
+          // C++Builder's word for a dynamic method: a directive, no part of the result type.
+          d.Directives |= DirectiveBit(TDirective::Dynamic);
+          break;
+        }
         const TWordRole role = RoleOf(t.TokenView(t.Index()));
         if (role == TWordRole::Assertion) {
           // `static_assert(...);` declares nothing.
@@ -239,6 +244,23 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
       case ctOpenBrace:
         CollectBracket(t, kind, group, false);
         return;
+      case ctStatic:
+        // A storage class, no part of the type: a generated implementation must not repeat
+        // it. In a class it makes the method one of the class.
+        if (inClass) d.Directives |= DirectiveBit(TDirective::ClassMethod);
+        break;
+      case ctExplicit:
+        break;
+      case ctColon:
+        if (inClass && !d.Name.empty()) {
+          // A bit-field (`uint isWidget : 1;`): the width is passed like an initializer.
+          if (!SkipInitializer(t, d.Cut)) return;
+          d.DeclaratorList = true;
+          CollectRest(t, &d.Rest, d.Cut);
+          return;
+        }
+        appendToType(t.TokenView(t.Index()));
+        break;
       case ctTilde:
         if (inClass) {
           d.IsDestructor = true;
