@@ -123,6 +123,9 @@ TEST(CppParserTest, Records) {
       {.text = "class P { __property int Count = {read=FCount, write=SetCount, default=0}; };",
        .expected = "class \"P\" C++ unit=\"input.h\"\n  property private \"Count\" type=\"int\" modifier=\"\" index_params=\"\" index=\"\" read=\"FCount\" write=\"SetCount\" stored=\"\" default=\"\"\n"},
       {.text = "class M { BEGIN_MESSAGE_MAP MESSAGE_HANDLER(WM_SIZE, TMessage, WMSize) END_MESSAGE_MAP(TForm) };", .expected = "class \"M\" C++ unit=\"input.h\"\n"},
+      // Names with letters beyond ASCII (UTF-8, Windows-1252) are read whole.
+      {.text = "class TW\xC3\xA4rme { int Gr\xE4" "de; };",
+       .expected = "class \"TW\xC3\xA4rme\" C++ unit=\"input.h\"\n  field private \"Gr\xE4" "de\" type=\"int\" modifier=\"\"\n"},
       {.text = "typedef struct X { int a; } Y;", .expected = "struct \"X\" C++ unit=\"input.h\"\n  field public \"a\" type=\"int\" modifier=\"\"\n"},
       // Declarators after a nested body are dropped; an unnamed struct is passed whole.
       {.text = "class O { class I { int x; } a, *b; struct { int z; } s; public: int w; };",
