@@ -134,19 +134,30 @@ bool ContinuesDeclarator(int kind, std::string_view text) {
 // declaration the body reads on its own, or a macro called on its own. A word followed by
 // a member (`DWORD FCount;`, `EXPORT_API int Count;`, `BOOL CALLBACK Enum(...)`) joins
 // that member's type. The cursor does not move.
+// The next significant token after any directive lines (`Q_OBJECT` then `#endif`).
+int NextPastDirectives(TCPPTokenizer& t) {
+  int kind = t.NextSignificant();
+  while (IsDirectiveKind(kind)) {
+    std::string unused;
+    ReadRestOfLine(t, false, unused);
+    kind = t.NextSignificant();
+  }
+  return kind;
+}
+
 bool StandsAlone(TCPPTokenizer& t, std::string_view owner, int depth = 0) {
   const std::string_view word = t.TokenView(t.Index());
   // `DYNAMIC` is a directive, which the member's own walk reads.
   if (word == owner || word == "DYNAMIC" || !LooksLikeMacroName(word)) return false;
   const TCursorState here = SaveCursor(t);
   bool alone = false;
-  const int next = t.NextSignificant();
+  const int next = NextPastDirectives(t);
   if (StartsSectionOrOwnDeclaration(next)) {
     alone = true;
   } else if (next == ctIdentifier) {
     const std::string_view nextWord = t.TokenView(t.Index());
     const TCursorState atNext = SaveCursor(t);
-    const int after = t.NextSignificant();
+    const int after = NextPastDirectives(t);
     if (after == ctColon) {
       alone = true;  // `Q_OBJECT` then `signals:`
     } else if ((after == ctOpenParen || after == ctParens) && LooksLikeMacroName(nextWord) &&
@@ -154,7 +165,7 @@ bool StandsAlone(TCPPTokenizer& t, std::string_view owner, int depth = 0) {
       // `Q_OBJECT` then `Q_PROPERTY(...)`: a macro call that no declarator follows.
       std::string unused;
       if (after == ctOpenParen) CollectBracket(t, ctOpenParen, unused, false);
-      const int then = t.NextSignificant();
+      const int then = NextPastDirectives(t);
       alone = !ContinuesDeclarator(then, t.TokenView(t.Index()));
     } else if (depth < 3) {
       RestoreCursor(t, atNext);
