@@ -69,19 +69,6 @@ int ReadAncestors(TCPPTokenizer& t, TClassAncestorList& ancestors) {
   }
 }
 
-// A word written as macros are: capitals, digits and underscores, a capital among them.
-bool LooksLikeMacroName(std::string_view word) {
-  bool capital = false;
-  for (const char c : word) {
-    if (c >= 'A' && c <= 'Z') {
-      capital = true;
-    } else if (!(c >= '0' && c <= '9') && c != '_') {
-      return false;
-    }
-  }
-  return capital;
-}
-
 // Kinds that start no member a word before them could be part of: a section, the end of
 // the body, or a declaration the body reads on its own. A macro name right before one of
 // them stands alone. (Before a member's type or modifiers it joins that type, as an export

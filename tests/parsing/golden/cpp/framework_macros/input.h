@@ -1,5 +1,6 @@
 #ifndef WIDGET_H
 #define WIDGET_H
+QT_BEGIN_NAMESPACE
 class Q_WIDGETS_EXPORT QPainter
 {
     Q_DECLARE_PRIVATE(QPainter)
@@ -35,6 +36,21 @@ protected:
     uint isRunning : 1;
     uint isFinished : 1, wasCanceled : 1;
 };
+Q_DECLARE_TYPEINFO(QThread, Q_RELOCATABLE_TYPE);
+
+#ifndef QT_NO_DEBUG_STREAM
+QT_WARNING_PUSH
+Q_CORE_EXPORT QDebug operator<<(QDebug, const QThread *);
+QT_WARNING_POP
+#endif
+
+namespace QtPrivate {
+class Q_CORE_EXPORT QThreadCoercer
+{
+public:
+    const void *convert(const QVariant &value);
+};
+}
 
 class BENCHMARK_EXPORT State
 {
