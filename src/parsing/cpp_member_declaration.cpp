@@ -106,10 +106,27 @@ void TCPPClassParser::ParseMemberDeclaration() {
     // initializer list with the body, the body itself (both make the method inline), or
     // `= 0`.
     uint16_t directives = d.Directives;
+    // No type and not the class's name: a macro call, unless what follows shows a function.
+    const bool typeless =
+        !d.IsOperator && !d.IsDestructor && name != Owner->Name && Trim(d.Type).empty();
     bool continued = false;  // a body, an initializer list, `const` or `= ...` followed
     if (t.Kind() != ctSemicolon) {
       TCursorState after = SaveCursor(t);
       int next = t.NextSignificant();
+      if (next == ctConst && typeless) {
+        // `Q_DISABLE_COPY(X)` then `const QString &name() const;`: a name or a type word
+        // after the `const` makes it the start of the next member.
+        const TCursorState atConst = SaveCursor(t);
+        const int following = t.NextSignificant();
+        const std::string_view word = t.TokenView(t.Index());
+        RestoreCursor(t, atConst);
+        if ((following == ctIdentifier && word != "override" && word != "final" &&
+             word != "noexcept") ||
+            kTypeWordKinds.Contains(following)) {
+          RestoreCursor(t, after);
+          return;
+        }
+      }
       if (next == ctConst) {
         continued = true;
         directives |= DirectiveBit(TDirective::Const);
@@ -158,9 +175,7 @@ void TCPPClassParser::ParseMemberDeclaration() {
     // nothing after them that only a function has: no method, but a macro called in the
     // body (`Q_PROPERTY(...)`, `Q_ENUM(X)`, `Q_DISABLE_COPY(X)`), whose expansion is not
     // ours to guess.
-    if (!continued && !d.IsOperator && !d.IsDestructor && name != Owner->Name &&
-        Trim(d.Type).empty())
-      return;
+    if (!continued && typeless) return;
 
     TParameterList params(TLanguage::Cpp);
     params.Parse(d.Params);

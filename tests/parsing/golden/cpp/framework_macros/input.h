@@ -15,6 +15,7 @@ public:
     void setColor(int c);
 private:
     Q_DISABLE_COPY(QPainter)
+    const int *data() const;
     int *d_ptr;
 };
 
