@@ -61,6 +61,100 @@ int ReadAncestors(TCPPTokenizer& t, TClassAncestorList& ancestors) {
   }
 }
 
+// Kinds that start no member a word before them could be part of: a section, the end of
+// the body, or a declaration the body reads on its own. A macro name right before one of
+// them stands alone. (Before a member's type or modifiers it joins that type, as an export
+// macro does.)
+bool StartsSectionOrOwnDeclaration(int kind) {
+  switch (kind) {
+    case ctPublic:
+    case ctPrivate:
+    case ctProtected:
+    case ctPublished_2:
+    case ctAutomated_2:
+    case ctCloseBrace:
+    case ctFriend:
+    case ctTemplate:
+    case ctTypedef:
+    case ctUsing:
+    case ctEnum:
+    case ctClass:
+    case ctStruct:
+    case ctUnion:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Kinds that carry on a declaration after its parameter list.
+bool ContinuesDeclarator(int kind, std::string_view text) {
+  switch (kind) {
+    case ctSemicolon:
+    case ctConst:
+    case ctAssign:
+    case ctOpenBrace:
+    case ctBraces:
+    case ctColon:
+    case ctThrow:
+    case ctVolatile:
+    case ctArrow:
+      return true;
+    case ctIdentifier:
+      return text == "override" || text == "final" || text == "noexcept";
+    default:
+      return false;
+  }
+}
+
+// At a macro-like word that begins a member: true when it is a macro written on a line of
+// its own with no `;` (`Q_OBJECT`, `Q_GADGET`, an annotation before a declaration such as
+// `Q_DECLARE_PRIVATE` without arguments), as what follows shows: a section label, a
+// declaration the body reads on its own, or a macro called on its own. A word followed by
+// a member (`DWORD FCount;`, `EXPORT_API int Count;`, `BOOL CALLBACK Enum(...)`) joins
+// that member's type. The cursor does not move.
+// The next significant token after any directive lines (`Q_OBJECT` then `#endif`).
+int NextPastDirectives(TCPPTokenizer& t) {
+  int kind = t.NextSignificant();
+  while (IsDirectiveKind(kind)) {
+    std::string unused;
+    ReadRestOfLine(t, false, unused);
+    kind = t.NextSignificant();
+  }
+  return kind;
+}
+
+bool StandsAlone(TCPPTokenizer& t, std::string_view owner, int depth = 0) {
+  const std::string_view word = t.TokenView(t.Index());
+  // `DYNAMIC` is a directive, which the member's own walk reads.
+  if (word == owner || word == "DYNAMIC" || !LooksLikeMacroName(word)) return false;
+  const TCursorState here = SaveCursor(t);
+  bool alone = false;
+  const int next = NextPastDirectives(t);
+  if (StartsSectionOrOwnDeclaration(next)) {
+    alone = true;
+  } else if (next == ctIdentifier) {
+    const std::string_view nextWord = t.TokenView(t.Index());
+    const TCursorState atNext = SaveCursor(t);
+    const int after = NextPastDirectives(t);
+    if (after == ctColon) {
+      alone = true;  // `Q_OBJECT` then `signals:`
+    } else if ((after == ctOpenParen || after == ctParens) && LooksLikeMacroName(nextWord) &&
+               nextWord != owner) {
+      // `Q_OBJECT` then `Q_PROPERTY(...)`: a macro call that no declarator follows.
+      std::string unused;
+      if (after == ctOpenParen) CollectBracket(t, ctOpenParen, unused, false);
+      const int then = NextPastDirectives(t);
+      alone = !ContinuesDeclarator(then, t.TokenView(t.Index()));
+    } else if (depth < 3) {
+      RestoreCursor(t, atNext);
+      alone = StandsAlone(t, owner, depth + 1);  // `Q_OBJECT QML_ELEMENT public:`
+    }
+  }
+  RestoreCursor(t, here);
+  return alone;
+}
+
 }  // namespace
 
 // ---- TCPPClassFinderParser ----
@@ -239,9 +333,18 @@ void TCPPClassParser::HandleToken() {
       // `Q_SIGNALS:`, `slots:`: a word and a colon mark a section for a framework, are no
       // member, and leave the visibility as it was.
       if (kind == ctIdentifier && PeekSignificant(t) == ctColon) {
-        t.NextSignificant();
+        // Signals are public: what `signals` and `Q_SIGNALS` stand for.
+        const std::string_view word = t.TokenView(t.Index());
+        if (word == "signals" || word == "Q_SIGNALS") {
+          ReadSection(TVisibility::Public);
+        } else {
+          t.NextSignificant();
+        }
         return;
       }
+      // A macro line with no `;`, which would otherwise join the next member's type or
+      // swallow the section label after it.
+      if (kind == ctIdentifier && StandsAlone(t, Owner->Name)) return;
       ParseMemberDeclaration();
       return;
   }

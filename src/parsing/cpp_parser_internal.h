@@ -72,6 +72,9 @@ void PassTrailingSpecifiers(TCPPTokenizer& tokenizer, int& next, TCursorState& b
 /// `cut`.
 bool SkipInitializer(TCPPTokenizer& tokenizer, bool& cut);
 
+/// A word written as macros are: capitals, digits and underscores, a capital among them.
+bool LooksLikeMacroName(std::string_view word);
+
 /// What the walk over one declaration found.
 struct TDeclaration {
   int32_t StartLine = -1;

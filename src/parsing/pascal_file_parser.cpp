@@ -100,7 +100,14 @@ void ParseRoutineDeclaration(TPascalFileParser& p) {
   // `procedure(...)` or `function:` belongs to a procedural type, not a routine, and
   // `procedure TFoo.Bar;` is a method's implementation heading.
   TRoutineHeading heading;
-  if (!ReadRoutineHeading(p, TTokenKindSet{}, heading)) return;
+  const int32_t word = t.Index();
+  if (!ReadRoutineHeading(p, TTokenKindSet{}, heading)) {
+    // `procedure TFoo.Bar;` heads a method's body, so this is implementation code even
+    // without the keyword (an `.inc` file included there): the routines that follow, the
+    // ones local to that method among them, are implementations, not declarations.
+    if (t.Index() != word) p.InImplementation = true;
+    return;
+  }
   TParameterList params(TLanguage::Pascal);
   params.Parse(heading.ParamText);
   TProcDescription* r = p.Target->Routines.FindOrAdd(
