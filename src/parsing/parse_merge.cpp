@@ -1,0 +1,93 @@
+#include "parsing/parse_merge.h"
+
+#include <mutex>
+
+namespace velmora {
+namespace {
+
+void CopyPositions(TCodeObject& to, const TCodeObject& from) {
+  to.SetStart(from.StartLine, from.StartOffset);
+  to.SetEnd(from.EndLine, from.EndOffset);
+}
+
+void MergeClass(TCommonClassList& into, TClassDescription& from, TLanguage parser) {
+  TClassDescription* to = into.FindOrAdd(from.Name, from.Language);
+  if (!to) return;
+  to->Ancestors.Items = from.Ancestors.Items;
+  to->UnitName = from.UnitName;
+  to->ClassKind = from.ClassKind;
+  to->TemplateParams = from.TemplateParams;
+  // Only the Pascal parser reads GUIDs; a C++ parse leaves what the class had.
+  if (parser == TLanguage::Pascal) to->Guid = from.Guid;
+  CopyPositions(*to, from);
+  if (const TPositionInfo* info = from.GetPositionInfo(false)) *to->GetPositionInfo(true) = *info;
+
+  for (int i = 0; i < from.Fields.Count(); ++i) {
+    const TFieldDescription& f = *from.Fields.Items(i);
+    TFieldDescription* field = to->Fields.FindOrAdd(f.Name, f.FieldType, f.Visibility);
+    field->SetIsProperty(f.IsProperty);
+    if (f.Property) *field->Property = *f.Property;
+    field->Modifier = f.Modifier;
+    CopyPositions(*field, f);
+  }
+  for (int i = 0; i < from.Methods.Count(); ++i) {
+    const TMethodDescription& m = *from.Methods.Items(i);
+    TMethodDescription* method =
+        to->Methods.FindOrAdd(m.Name, m.Parameters, m.ResultType, m.Visibility, m.Kind);
+    method->Directives = m.Directives;
+    method->MessageName = m.MessageName;
+    CopyPositions(*method, m);
+  }
+  if (const TCommonClassList* nested = from.NestedClassesIfAny())
+    for (int i = 0; i < nested->Count(); ++i)
+      MergeClass(*to->NestedClasses(), *nested->Items(i), parser);
+}
+
+}  // namespace
+
+void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode) {
+  if (!parse.Classes) return;
+  if (mode != TMergeMode::Accumulate) model.Mark(parse.UnitName, false);
+  const TClasslist& from = *parse.Classes;
+  for (int i = 0; i < from.Count(); ++i) MergeClass(model, *from.Items(i), parse.Language);
+  for (int i = 0; i < from.Routines.Count(); ++i) {
+    const TProcDescription& r = *from.Routines.Items(i);
+    TProcDescription* routine = model.Routines.FindOrAdd(
+        r.Name, r.FileName, r.Language, r.Parameters, r.ResultType, r.Visibility, r.Kind);
+    routine->Directives = r.Directives;
+    routine->MessageName = r.MessageName;
+    CopyPositions(*routine, r);
+  }
+  if (mode == TMergeMode::Replace) model.Sweep(false, parse.UnitName);
+}
+
+void MergeParseResult(TClasslist& model, const TParseResult& result) {
+  if (result.Cancelled) return;
+  for (const TFileParse& file : result.Files) MergeFileParse(model, file, TMergeMode::Replace);
+  if (result.Reached.empty()) {
+    model.Includes.Remove(result.RootFile);
+    return;
+  }
+  TIncludeUnit* entry = model.Includes.FindOrAdd(result.RootFile);
+  entry->IncludedNames.Clear();
+  for (const std::string& name : result.Reached) entry->IncludedNames.Add(name);
+}
+
+bool TParseMerger::Merge(const TParseResult& result) {
+  if (result.Cancelled) return false;
+  auto [it, added] = merged_.try_emplace(result.RootFile, result.Generation);
+  if (!added) {
+    if (result.Generation < it->second) return false;
+    it->second = result.Generation;
+  }
+  std::lock_guard lock(model_.Lock);
+  MergeParseResult(model_, result);
+  return true;
+}
+
+uint64_t TParseMerger::MergedGeneration(const std::string& rootFile) const {
+  auto it = merged_.find(rootFile);
+  return it == merged_.end() ? 0 : it->second;
+}
+
+}  // namespace velmora

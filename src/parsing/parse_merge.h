@@ -1,0 +1,62 @@
+// Merging finished parses into a live model: the one place where a unit's records are
+// marked, found or added, and swept. Existing objects are updated in place, so a view
+// that holds a class, field or method keeps its item across a re-parse as long as the
+// source still declares it; only what the parse no longer found is freed.
+//
+// Threads and locks: runs on the thread that owns the model (the host's main thread, or
+// the caller of StartParse for its own target), holding the model's Lock. The parses it
+// reads are values nobody else touches any more.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "parsing/file_parse.h"
+#include "parsing/parse_job.h"
+
+namespace velmora {
+
+enum class TMergeMode : uint8_t {
+  /// The parse stands for its unit: the unit's classes and routines are marked invalid
+  /// first and what the parse did not find again is swept afterwards.
+  Replace,
+  /// The records are added to what the model holds, nothing is removed: for a model built
+  /// from scratch in which several files may share a unit name (widget-set include files
+  /// of one name in different folders) and add up.
+  Accumulate,
+  /// The unit's records are marked invalid first, but nothing is swept: a record the
+  /// parse does not find again stays, invalid, and a later parse may take it over (a
+  /// method or routine whose signature changed). How `velmora dump` has always merged
+  /// the included files of its jobs; its output stays as it was with it.
+  MarkWithoutSweep,
+};
+
+/// Puts the records of one file into `model`: each class found or added by name (nested
+/// classes likewise), each field, method and routine found or added as the parsers find
+/// them, their attributes taken from the parse. The include entry is not touched.
+void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode);
+
+/// Merges a job's files in the order parsed (each replacing its unit), then rewrites the
+/// root's include entry: the files reached, or no entry when none was. A cancelled result
+/// changes nothing.
+void MergeParseResult(TClasslist& model, const TParseResult& result);
+
+/// MergeParseResult for a host that keeps one model current: remembers the generation
+/// merged per root file and drops an older result.
+class TParseMerger {
+ public:
+  explicit TParseMerger(TClasslist& model) : model_(model) {}
+
+  /// False (nothing changed) for a cancelled result or one older than the generation
+  /// already merged for its root; takes the model's Lock while it merges.
+  bool Merge(const TParseResult& result);
+  /// The last merged generation of `rootFile`, 0 when none was.
+  uint64_t MergedGeneration(const std::string& rootFile) const;
+
+ private:
+  TClasslist& model_;
+  std::map<std::string, uint64_t> merged_;  ///< root file -> generation last merged
+};
+
+}  // namespace velmora
