@@ -34,7 +34,7 @@ TParseJobHooks MakeParseJobHooks(const TParseRequest& request, const TSourceProv
   TParseJobHooks hooks;
   hooks.Exists = [&sources](const std::string& path) { return sources.Exists(path); };
   hooks.Load = [&sources](const std::string& path) { return sources.Read(path); };
-  const TLanguage language = LanguageOfFile(request.RootFile);
+  const TLanguage language = request.Language.value_or(LanguageOfFile(request.RootFile));
   const TParseOptions options{.WantPositions = request.Options.WantPositions,
                               .ParseImplementation = request.Options.PascalOption};
   hooks.Parse = [language, options](const std::string& path, std::string text) {
@@ -55,6 +55,7 @@ TParseResult RunParseJob(const TParseRequest& request, const TParseJobHooks& hoo
     TStringList known(true, TDuplicates::Ignore, true);
     for (const std::string& file : request.KnownFiles) known.Add(file);
     TIncludeResolver resolver(request.IncludePath);
+    static const std::vector<std::string> kNothing;
     const TEitherStop either(stop, request.Stop);
 
     // Parses one file, trying again while the budget lasts: a file the editor is saving
@@ -64,7 +65,7 @@ TParseResult RunParseJob(const TParseRequest& request, const TParseJobHooks& hoo
       for (int budget = request.Options.RetryBudget;; --budget) {
         try {
           result.Files.push_back(hooks.Parse(path, hooks.Load(path)));
-          return &result.Files.back().IncludeNames;
+          return request.FollowIncludes ? &result.Files.back().IncludeNames : &kNothing;
         } catch (...) {
           if (budget <= 0) return nullptr;
           hooks.Pause(kRetryPause);

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -36,6 +37,10 @@ struct TParseRequest {
   /// Files already current: not parsed, their includes not followed.
   std::vector<std::string> KnownFiles;
   TParseJobOptions Options;
+  /// Off: the root alone is parsed (its include names still come back in its parse).
+  bool FollowIncludes = true;
+  /// The parser for every file of the job; by default the one the root's name calls for.
+  std::optional<TLanguage> Language = {};
   /// The caller's count for this root: a result older than one already merged is dropped.
   uint64_t Generation = 0;
   /// The caller's; handed back in the result, never used.
@@ -69,7 +74,7 @@ struct TParseJobHooks {
   std::function<void(std::chrono::milliseconds)> Pause;
 };
 
-/// Reads through `sources`, parses with the parser of the root's language and the
+/// Reads through `sources`, parses with the request's parser (the root's by default) and the
 /// request's options, pauses on the wall clock unless `pause` is given.
 TParseJobHooks MakeParseJobHooks(const TParseRequest& request, const TSourceProvider& sources,
                                  std::function<void(std::chrono::milliseconds)> pause = {});

@@ -1,6 +1,10 @@
 #include "parsing/parse_merge.h"
 
+#include <memory>
 #include <mutex>
+#include <vector>
+
+#include "support/ansi.h"
 
 namespace velmora {
 namespace {
@@ -61,9 +65,9 @@ void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode)
   if (mode == TMergeMode::Replace) model.Sweep(false, parse.UnitName);
 }
 
-void MergeParseResult(TClasslist& model, const TParseResult& result) {
-  if (result.Cancelled) return;
-  for (const TFileParse& file : result.Files) MergeFileParse(model, file, TMergeMode::Replace);
+namespace {
+
+void RewriteIncludeEntry(TClasslist& model, const TParseResult& result) {
   if (result.Reached.empty()) {
     model.Includes.Remove(result.RootFile);
     return;
@@ -73,7 +77,34 @@ void MergeParseResult(TClasslist& model, const TParseResult& result) {
   for (const std::string& name : result.Reached) entry->IncludedNames.Add(name);
 }
 
-bool TParseMerger::Merge(const TParseResult& result) {
+}  // namespace
+
+void MergeParseResult(TClasslist& model, const TParseResult& result) {
+  if (result.Cancelled) return;
+  for (const TFileParse& file : result.Files) MergeFileParse(model, file, TMergeMode::Replace);
+  RewriteIncludeEntry(model, result);
+}
+
+namespace {
+
+// A unit the model holds nothing of: every routine of the parse would be added anew, so
+// it is moved over instead (a large unit has thousands, and copying and then freeing them
+// is most of a merge).
+void MergeNewUnit(TClasslist& model, TFileParse& parse) {
+  TRoutineList& routines = parse.Classes->Routines;
+  if (routines.IsReference) return MergeFileParse(model, parse, TMergeMode::Accumulate);
+  std::vector<TProcDescription*> moving;
+  moving.reserve(routines.Count());
+  for (int i = 0; i < routines.Count(); ++i) moving.push_back(routines.Items(i));
+  routines.Index.Clear();  // the parse lets go of them
+  for (TProcDescription* routine : moving)
+    model.Routines.Add(std::unique_ptr<TProcDescription>(routine));
+  MergeFileParse(model, parse, TMergeMode::Accumulate);  // the classes
+}
+
+}  // namespace
+
+bool TParseMerger::Merge(TParseResult result) {
   if (result.Cancelled) return false;
   auto [it, added] = merged_.try_emplace(result.RootFile, result.Generation);
   if (!added) {
@@ -81,7 +112,22 @@ bool TParseMerger::Merge(const TParseResult& result) {
     it->second = result.Generation;
   }
   std::lock_guard lock(model_.Lock);
-  MergeParseResult(model_, result);
+  if (!scanned_) {
+    units_.clear();
+    for (int i = 0; i < model_.Count(); ++i)
+      units_.insert(AnsiUpperCase(model_.Items(i)->UnitName));
+    for (int i = 0; i < model_.Routines.Count(); ++i)
+      units_.insert(AnsiUpperCase(model_.Routines.Items(i)->FileName));
+    scanned_ = true;
+  }
+  for (TFileParse& file : result.Files) {
+    // A unit the model holds nothing of has nothing to mark or sweep.
+    if (units_.insert(AnsiUpperCase(file.UnitName)).second)
+      MergeNewUnit(model_, file);
+    else
+      MergeFileParse(model_, file, TMergeMode::Replace);
+  }
+  RewriteIncludeEntry(model_, result);
   return true;
 }
 

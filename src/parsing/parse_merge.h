@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 
 #include "parsing/file_parse.h"
@@ -43,20 +44,32 @@ void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode)
 void MergeParseResult(TClasslist& model, const TParseResult& result);
 
 /// MergeParseResult for a host that keeps one model current: remembers the generation
-/// merged per root file and drops an older result.
+/// merged per root file and drops an older result. It also knows which units the model
+/// holds records of, so that a unit new to the model is merged without marking and
+/// sweeping the whole model for it (opening a project merges thousands of new units, and
+/// each mark and sweep walks every class and routine).
 class TParseMerger {
  public:
   explicit TParseMerger(TClasslist& model) : model_(model) {}
 
+  /// Call when the model was changed other than through this merger (loaded, cleared,
+  /// parsed into directly): the units it holds are looked up again before the next merge.
+  void Rescan() { scanned_ = false; }
+
   /// False (nothing changed) for a cancelled result or one older than the generation
-  /// already merged for its root; takes the model's Lock while it merges.
-  bool Merge(const TParseResult& result);
+  /// already merged for its root; takes the model's Lock while it merges. Takes the
+  /// result: the routines of a unit new to the model move into it instead of being copied.
+  bool Merge(TParseResult result);
   /// The last merged generation of `rootFile`, 0 when none was.
   uint64_t MergedGeneration(const std::string& rootFile) const;
 
  private:
   TClasslist& model_;
   std::map<std::string, uint64_t> merged_;  ///< root file -> generation last merged
+  /// Upper-cased names of the units the model may hold records of: a superset while
+  /// scanned_, since units are added here and never taken out.
+  std::set<std::string> units_;
+  bool scanned_ = false;
 };
 
 }  // namespace velmora

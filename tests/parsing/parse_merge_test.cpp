@@ -150,13 +150,17 @@ TEST(ParseMergeTest, ResultRewritesTheRootEntryAndStaleGenerationsAreDropped) {
     TParseResult r;
     r.RootFile = "/p/r.cpp";
     r.Generation = generation;
-    r.Files.push_back(Parse("/p/r.cpp", std::string("class ") + cls + " {};\n"));
+    r.Files.push_back(
+        Parse("/p/r.cpp", std::string("class ") + cls + " {};\nvoid " + cls + "Routine(int);\n"));
     r.Reached = std::move(reached);
     return r;
   };
   EXPECT_TRUE(merger.Merge(result(2, "TTwo", {"/p/a.h", "/p/b.h"})));
   ASSERT_NE(model.Includes.Find("/p/r.cpp"), nullptr);
   EXPECT_EQ(model.Includes.Find("/p/r.cpp")->IncludedNames.Count(), 2);
+  ASSERT_EQ(model.Routines.Count(), 1) << "moved in from a unit new to the model";
+  EXPECT_EQ(model.Routines.Items(0)->Name, "TTwoRoutine");
+  EXPECT_EQ(model.Routines.Items(0)->Owner, &model.Routines);
 
   EXPECT_FALSE(merger.Merge(result(1, "TOne", {}))) << "older than what was merged";
   EXPECT_NE(model.Find("TTwo"), nullptr);
@@ -164,11 +168,13 @@ TEST(ParseMergeTest, ResultRewritesTheRootEntryAndStaleGenerationsAreDropped) {
 
   TParseResult cancelled = result(5, "TFive", {});
   cancelled.Cancelled = true;
-  EXPECT_FALSE(merger.Merge(cancelled));
+  EXPECT_FALSE(merger.Merge(std::move(cancelled)));
   EXPECT_EQ(merger.MergedGeneration("/p/r.cpp"), 2U);
 
   EXPECT_TRUE(merger.Merge(result(3, "TThree", {})));
   EXPECT_EQ(model.Find("TTwo"), nullptr) << "the unit's old class is swept";
+  ASSERT_EQ(model.Routines.Count(), 1) << "and its old routine";
+  EXPECT_EQ(model.Routines.Items(0)->Name, "TThreeRoutine");
   EXPECT_NE(model.Find("TThree"), nullptr);
   EXPECT_EQ(model.Includes.Find("/p/r.cpp"), nullptr) << "nothing reached: no entry";
 }

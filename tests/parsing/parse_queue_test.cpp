@@ -75,7 +75,7 @@ TEST_F(ParseQueueThreadsTest, JobsOnEveryWorkerEndUpInOneModel) {
   ASSERT_EQ(results_.size(), 8U);
   TClasslist model;
   TParseMerger merger(model);
-  for (const TParseResult& result : results_) EXPECT_TRUE(merger.Merge(result));
+  for (TParseResult& result : results_) EXPECT_TRUE(merger.Merge(std::move(result)));
   EXPECT_EQ(model.Count(), 16);
   for (int i = 0; i < 8; ++i) {
     const std::string n = std::to_string(i);
