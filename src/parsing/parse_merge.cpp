@@ -1,5 +1,6 @@
 #include "parsing/parse_merge.h"
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -49,9 +50,12 @@ void MergeClass(TCommonClassList& into, TClassDescription& from, TLanguage parse
 
 }  // namespace
 
-void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode) {
-  if (!parse.Classes) return;
-  if (mode != TMergeMode::Accumulate) model.Mark(parse.UnitName, false);
+namespace {
+
+// Finds or adds every record of the parse in the model; `routines`, when given, receives
+// the model's routine of each routine of the parse.
+void MergeRecords(TClasslist& model, const TFileParse& parse,
+                  std::vector<TProcDescription*>* routines) {
   const TClasslist& from = *parse.Classes;
   for (int i = 0; i < from.Count(); ++i) MergeClass(model, *from.Items(i), parse.Language);
   for (int i = 0; i < from.Routines.Count(); ++i) {
@@ -61,7 +65,16 @@ void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode)
     routine->Directives = r.Directives;
     routine->MessageName = r.MessageName;
     CopyPositions(*routine, r);
+    if (routines) routines->push_back(routine);
   }
+}
+
+}  // namespace
+
+void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode) {
+  if (!parse.Classes) return;
+  if (mode != TMergeMode::Accumulate) model.Mark(parse.UnitName, false);
+  MergeRecords(model, parse, nullptr);
   if (mode == TMergeMode::Replace) model.Sweep(false, parse.UnitName);
 }
 
@@ -85,24 +98,70 @@ void MergeParseResult(TClasslist& model, const TParseResult& result) {
   RewriteIncludeEntry(model, result);
 }
 
-namespace {
-
-// A unit the model holds nothing of: every routine of the parse would be added anew, so
-// it is moved over instead (a large unit has thousands, and copying and then freeing them
-// is most of a merge).
-void MergeNewUnit(TClasslist& model, TFileParse& parse) {
-  TRoutineList& routines = parse.Classes->Routines;
-  if (routines.IsReference) return MergeFileParse(model, parse, TMergeMode::Accumulate);
-  std::vector<TProcDescription*> moving;
-  moving.reserve(routines.Count());
-  for (int i = 0; i < routines.Count(); ++i) moving.push_back(routines.Items(i));
-  routines.Index.Clear();  // the parse lets go of them
-  for (TProcDescription* routine : moving)
-    model.Routines.Add(std::unique_ptr<TProcDescription>(routine));
-  MergeFileParse(model, parse, TMergeMode::Accumulate);  // the classes
+void TParseMerger::Scan() {
+  units_.clear();
+  for (int i = 0; i < model_.Count(); ++i)
+    units_[AnsiUpperCase(model_.Items(i)->UnitName)].Classes.push_back(model_.Items(i)->Name);
+  for (int i = 0; i < model_.Routines.Count(); ++i) {
+    TProcDescription* routine = model_.Routines.Items(i);
+    units_[AnsiUpperCase(routine->FileName)].Routines.push_back(routine);
+  }
+  scanned_ = true;
 }
 
-}  // namespace
+void TParseMerger::MergeNewUnit(TFileParse& parse, TUnitRecords& records) {
+  // Every routine of the parse would be added anew, so it is moved over instead: a large
+  // unit has thousands, and copying and then freeing them is most of a merge.
+  TRoutineList& routines = parse.Classes->Routines;
+  for (int i = 0; i < routines.Count(); ++i) records.Routines.push_back(routines.Items(i));
+  routines.Index.Clear();  // the parse lets go of them
+  for (TProcDescription* routine : records.Routines)
+    model_.Routines.Add(std::unique_ptr<TProcDescription>(routine));
+  MergeRecords(model_, parse, nullptr);
+}
+
+void TParseMerger::ReplaceUnit(const TFileParse& parse, TUnitRecords& records) {
+  // The model's own Mark and Sweep, limited to the records the unit is known to hold:
+  // the whole model is not walked for each file.
+  const std::string& unit = parse.UnitName;
+  auto ofUnit = [&](const std::string& name) -> TClassDescription* {
+    TClassDescription* cls = model_.Find(name);
+    return cls && SameText(cls->UnitName, unit) ? cls : nullptr;
+  };
+  for (const std::string& name : records.Classes)
+    if (TClassDescription* cls = ofUnit(name)) cls->SetValid(false, true);
+  for (TProcDescription* routine : records.Routines) routine->Valid = false;
+
+  std::vector<TProcDescription*> merged;
+  MergeRecords(model_, parse, &merged);
+
+  std::vector<std::string> names = std::move(records.Classes);
+  for (int i = 0; i < parse.Classes->Count(); ++i) names.push_back(parse.Classes->Items(i)->Name);
+  records.Classes.clear();
+  for (const std::string& name : names) {
+    TClassDescription* cls = ofUnit(name);
+    if (!cls) continue;
+    cls->RemoveWithValid(false);
+    if (cls->Valid) {
+      if (std::find(records.Classes.begin(), records.Classes.end(), name) == records.Classes.end())
+        records.Classes.push_back(name);
+      continue;
+    }
+    model_.Index.Delete(model_.Index.IndexOf(name));
+    model_.ClassRemoved(cls);
+  }
+  for (TProcDescription* routine : records.Routines) {
+    if (routine->Valid) continue;
+    for (int i = model_.Routines.IndexOfName(routine->Name); i < model_.Routines.Count(); ++i)
+      if (model_.Routines.Items(i) == routine) {
+        model_.Routines.Delete(i);
+        break;
+      }
+  }
+  std::sort(merged.begin(), merged.end());
+  merged.erase(std::unique(merged.begin(), merged.end()), merged.end());
+  records.Routines = std::move(merged);
+}
 
 bool TParseMerger::Merge(TParseResult result) {
   if (result.Cancelled) return false;
@@ -112,20 +171,17 @@ bool TParseMerger::Merge(TParseResult result) {
     it->second = result.Generation;
   }
   std::lock_guard lock(model_.Lock);
-  if (!scanned_) {
-    units_.clear();
-    for (int i = 0; i < model_.Count(); ++i)
-      units_.insert(AnsiUpperCase(model_.Items(i)->UnitName));
-    for (int i = 0; i < model_.Routines.Count(); ++i)
-      units_.insert(AnsiUpperCase(model_.Routines.Items(i)->FileName));
-    scanned_ = true;
-  }
+  if (!scanned_) Scan();
   for (TFileParse& file : result.Files) {
-    // A unit the model holds nothing of has nothing to mark or sweep.
-    if (units_.insert(AnsiUpperCase(file.UnitName)).second)
-      MergeNewUnit(model_, file);
-    else
-      MergeFileParse(model_, file, TMergeMode::Replace);
+    if (!file.Classes) continue;
+    auto [unit, isNew] = units_.try_emplace(AnsiUpperCase(file.UnitName));
+    if (isNew) {
+      MergeNewUnit(file, unit->second);
+      for (int i = 0; i < file.Classes->Count(); ++i)
+        unit->second.Classes.push_back(file.Classes->Items(i)->Name);
+    } else {
+      ReplaceUnit(file, unit->second);
+    }
   }
   RewriteIncludeEntry(model_, result);
   return true;

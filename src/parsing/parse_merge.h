@@ -10,8 +10,8 @@
 
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string>
+#include <vector>
 
 #include "parsing/file_parse.h"
 #include "parsing/parse_job.h"
@@ -44,10 +44,11 @@ void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode)
 void MergeParseResult(TClasslist& model, const TParseResult& result);
 
 /// MergeParseResult for a host that keeps one model current: remembers the generation
-/// merged per root file and drops an older result. It also knows which units the model
-/// holds records of, so that a unit new to the model is merged without marking and
-/// sweeping the whole model for it (opening a project merges thousands of new units, and
-/// each mark and sweep walks every class and routine).
+/// merged per root file and drops an older result. It also keeps an index of the records
+/// each unit holds in the model, so that a merge marks and sweeps those alone instead of
+/// walking every class and routine of the model for each file (opening a project merges
+/// thousands of files). The index holds as long as the merger is the only one to change
+/// the model's classes and routines; see Rescan.
 class TParseMerger {
  public:
   explicit TParseMerger(TClasslist& model) : model_(model) {}
@@ -66,9 +67,21 @@ class TParseMerger {
  private:
   TClasslist& model_;
   std::map<std::string, uint64_t> merged_;  ///< root file -> generation last merged
-  /// Upper-cased names of the units the model may hold records of: a superset while
-  /// scanned_, since units are added here and never taken out.
-  std::set<std::string> units_;
+  /// What one unit holds in the model, as far as the merges have put it there.
+  struct TUnitRecords {
+    /// Top-level classes the unit declared; a name whose class now has another UnitName
+    /// (declared again by a later unit) is skipped when it is met.
+    std::vector<std::string> Classes;
+    /// The unit's routines (FileName), owned by the model; exact, as a routine belongs to
+    /// one file for good.
+    std::vector<TProcDescription*> Routines;
+  };
+  void Scan();
+  void MergeNewUnit(TFileParse& parse, TUnitRecords& records);
+  void ReplaceUnit(const TFileParse& parse, TUnitRecords& records);
+
+  /// By upper-cased unit name; valid while scanned_.
+  std::map<std::string, TUnitRecords> units_;
   bool scanned_ = false;
 };
 

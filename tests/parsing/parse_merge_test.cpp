@@ -181,3 +181,41 @@ TEST(ParseMergeTest, ResultRewritesTheRootEntryAndStaleGenerationsAreDropped) {
 
 }  // namespace
 }  // namespace velmora
+
+namespace velmora {
+namespace {
+
+// The merger marks and sweeps through its own index of each unit's records; the model it
+// makes must be the one the whole-model mark and sweep make, step by step.
+TEST(ParseMergeTest, TheMergersUnitIndexGivesTheWholeModelMarkAndSweep) {
+  const struct {
+    const char* unit;
+    const char* text;
+  } steps[] = {
+      {"a.h", "class TA { int X; class TIn { int Y; }; };\nclass TB {};\nvoid Run(int);\n"},
+      {"b.h", "class TC { void F(); };\nvoid Run(int);\nvoid Run(char);\n"},
+      {"a.h", "class TA { int X; int Z; };\nvoid Run(long);\n"},
+      {"b.h", "class TB { int MovedHere; };\nclass TC {};\n"},
+      {"a.h", "class TD {};\n"},
+      {"u.pas",
+       "unit u;\ninterface\ntype TP = class procedure Go; end;\nprocedure Free1;\n"
+       "implementation\nend.\n"},
+      {"U.PAS", "unit u;\ninterface\nprocedure Free2;\nimplementation\nend.\n"},
+      {"b.h", ""},
+  };
+  TClasslist reference, merged;
+  TParseMerger merger(merged);
+  for (const auto& step : steps) {
+    SCOPED_TRACE(std::string(step.unit) + ": " + step.text);
+    TParseResult result;
+    result.RootFile = step.unit;
+    result.Files.push_back(Parse(step.unit, step.text));
+    MergeParseResult(reference, result);
+    result.Files[0] = Parse(step.unit, step.text);
+    ASSERT_TRUE(merger.Merge(std::move(result)));
+    EXPECT_EQ(DescribeModel(merged), DescribeModel(reference));
+  }
+}
+
+}  // namespace
+}  // namespace velmora
