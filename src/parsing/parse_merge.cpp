@@ -92,6 +92,21 @@ void RewriteIncludeEntry(TClasslist& model, const TParseResult& result) {
 
 }  // namespace
 
+void MergeNewUnitParse(TClasslist& model, TFileParse& parse) {
+  if (!parse.Classes) return;
+  // Every routine of the parse would be added anew (at the end of its name's run, where
+  // Add puts it too), so it is moved over instead: a large unit has thousands, and
+  // copying and then freeing them is most of a merge.
+  TRoutineList& routines = parse.Classes->Routines;
+  std::vector<TProcDescription*> moving;
+  moving.reserve(routines.Count());
+  for (int i = 0; i < routines.Count(); ++i) moving.push_back(routines.Items(i));
+  routines.Index.Clear();  // the parse lets go of them
+  for (TProcDescription* routine : moving)
+    model.Routines.Add(std::unique_ptr<TProcDescription>(routine));
+  MergeRecords(model, parse, nullptr);
+}
+
 void MergeParseResult(TClasslist& model, const TParseResult& result) {
   if (result.Cancelled) return;
   for (const TFileParse& file : result.Files) MergeFileParse(model, file, TMergeMode::Replace);
@@ -110,14 +125,9 @@ void TParseMerger::Scan() {
 }
 
 void TParseMerger::MergeNewUnit(TFileParse& parse, TUnitRecords& records) {
-  // Every routine of the parse would be added anew, so it is moved over instead: a large
-  // unit has thousands, and copying and then freeing them is most of a merge.
-  TRoutineList& routines = parse.Classes->Routines;
+  const TRoutineList& routines = parse.Classes->Routines;
   for (int i = 0; i < routines.Count(); ++i) records.Routines.push_back(routines.Items(i));
-  routines.Index.Clear();  // the parse lets go of them
-  for (TProcDescription* routine : records.Routines)
-    model_.Routines.Add(std::unique_ptr<TProcDescription>(routine));
-  MergeRecords(model_, parse, nullptr);
+  MergeNewUnitParse(model_, parse);
 }
 
 void TParseMerger::ReplaceUnit(const TFileParse& parse, TUnitRecords& records) {

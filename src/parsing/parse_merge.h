@@ -38,6 +38,11 @@ enum class TMergeMode : uint8_t {
 /// them, their attributes taken from the parse. The include entry is not touched.
 void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode);
 
+/// MergeFileParse in Accumulate mode for a unit the model holds no records of (no class
+/// of that UnitName, no routine of that FileName): the routines are moved over instead of
+/// copied, which leaves the parse without them. The model is the same either way.
+void MergeNewUnitParse(TClasslist& model, TFileParse& parse);
+
 /// Merges a job's files in the order parsed (each replacing its unit), then rewrites the
 /// root's include entry: the files reached, or no entry when none was. A cancelled result
 /// changes nothing.

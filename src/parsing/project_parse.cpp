@@ -18,6 +18,7 @@
 #include "parsing/include_walk.h"
 #include "parsing/parse_merge.h"
 #include "parsing/source_parser.h"
+#include "support/ansi.h"
 #include "support/exception.h"
 #include "support/paths.h"
 #include "support/text_buffer.h"
@@ -195,6 +196,9 @@ void MergeThroughJobs(const TProjectParseRequest& request, TParseAhead& ahead, T
 TProjectParseResult ParseProject(const TProjectParseRequest& request, TFilesList& files,
                                  TClasslist& classes) {
   TProjectParseResult result;
+  // Units merged so far, upper-cased: the model starts empty, so a unit not here has no
+  // records in it yet.
+  std::set<std::string> mergedUnits;
   TParseAhead ahead(request.FollowIncludes, request.IncludePath);
   for (const std::string& file : request.Files) ahead.Add(file, LanguageOfFile(file));
   int threads = request.Threads;
@@ -226,12 +230,18 @@ TProjectParseResult ParseProject(const TProjectParseRequest& request, TFilesList
 
     const TFileRecord* record = records.Find(canonical);
     if (!record && (next.named || !request.FollowIncludes)) {
-      const TPrepared& prepared = ahead.Get(next.path, LanguageOfFile(next.path));
+      TPrepared& prepared = ahead.Get(next.path, LanguageOfFile(next.path));
       if (!prepared.Parsed) {
         if (next.named) result.Errors.push_back(prepared.Error);
         continue;
       }
-      MergeFileParse(classes, prepared.Parse, TMergeMode::Accumulate);
+      // Without includes each file is merged once, here (the walk sees each file once),
+      // so a unit new to the model may give its routines away.
+      if (!request.FollowIncludes &&
+          mergedUnits.insert(AnsiUpperCase(prepared.Parse.UnitName)).second)
+        MergeNewUnitParse(classes, prepared.Parse);
+      else
+        MergeFileParse(classes, prepared.Parse, TMergeMode::Accumulate);
       records.Note(prepared.Parse);
       record = records.Find(canonical);
     }
