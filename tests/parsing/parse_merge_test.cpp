@@ -54,6 +54,12 @@ TEST(ParseMergeTest, MergedModelIsTheModelADirectParseGives) {
     EXPECT_EQ(Saved(merged), Saved(direct));
     MergeFileParse(merged, parse, TMergeMode::Replace);
     EXPECT_EQ(Saved(merged), Saved(direct)) << "merging the same parse again changes nothing";
+
+    TFileParse moving = ParseText(name, language, LoadSourceText(input.string()), options);
+    TClasslist moved;
+    MergeNewUnitParse(moved, moving);
+    EXPECT_EQ(Saved(moved), Saved(direct)) << "routines moved rather than copied";
+    EXPECT_EQ(moving.Classes->Routines.Count(), 0);
   }
 }
 
