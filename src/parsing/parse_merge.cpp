@@ -92,8 +92,40 @@ void RewriteIncludeEntry(TClasslist& model, const TParseResult& result) {
 
 }  // namespace
 
+namespace {
+
+void SetRootList(TCommonClassList& list, TCommonClassList& root) {
+  list.RootList = &root;
+  for (int i = 0; i < list.Count(); ++i)
+    if (TCommonClassList* nested = list.Items(i)->NestedClassesIfAny()) SetRootList(*nested, root);
+}
+
+// Takes a class of a parse, already out of the parse's index, into the model: what
+// FindOrAdd does for a new class, with the parse's object instead of a fresh one.
+void Adopt(TClasslist& model, TClassDescription* cls) {
+  cls->OwnerList = &model;
+  if (TCommonClassList* nested = cls->NestedClassesIfAny()) {
+    nested->ParentList = &model;
+    SetRootList(*nested, model);
+  }
+  model.Index.Add(cls->Name, cls);
+  model.ClassAdded(cls);
+}
+
+}  // namespace
+
 void MergeNewUnitParse(TClasslist& model, TFileParse& parse) {
   if (!parse.Classes) return;
+  // A class the model does not have yet would be created and filled with copies of all
+  // the parse holds: the parse's own object moves over instead. One the model has (a
+  // class another unit declares too) is merged as usual.
+  TClasslist& from = *parse.Classes;
+  for (int i = from.Count() - 1; i >= 0; --i) {
+    TClassDescription* cls = from.Items(i);
+    if (model.Find(cls->Name)) continue;
+    from.Index.Delete(i);  // the parse lets go of it
+    Adopt(model, cls);
+  }
   // Every routine of the parse would be added anew (at the end of its name's run, where
   // Add puts it too), so it is moved over instead: a large unit has thousands, and
   // copying and then freeing them is most of a merge.
@@ -125,8 +157,10 @@ void TParseMerger::Scan() {
 }
 
 void TParseMerger::MergeNewUnit(TFileParse& parse, TUnitRecords& records) {
-  const TRoutineList& routines = parse.Classes->Routines;
-  for (int i = 0; i < routines.Count(); ++i) records.Routines.push_back(routines.Items(i));
+  const TClasslist& from = *parse.Classes;
+  for (int i = 0; i < from.Count(); ++i) records.Classes.push_back(from.Items(i)->Name);
+  for (int i = 0; i < from.Routines.Count(); ++i)
+    records.Routines.push_back(from.Routines.Items(i));
   MergeNewUnitParse(model_, parse);
 }
 
@@ -187,8 +221,6 @@ bool TParseMerger::Merge(TParseResult result) {
     auto [unit, isNew] = units_.try_emplace(AnsiUpperCase(file.UnitName));
     if (isNew) {
       MergeNewUnit(file, unit->second);
-      for (int i = 0; i < file.Classes->Count(); ++i)
-        unit->second.Classes.push_back(file.Classes->Items(i)->Name);
     } else {
       ReplaceUnit(file, unit->second);
     }

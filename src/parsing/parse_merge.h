@@ -39,8 +39,9 @@ enum class TMergeMode : uint8_t {
 void MergeFileParse(TClasslist& model, const TFileParse& parse, TMergeMode mode);
 
 /// MergeFileParse in Accumulate mode for a unit the model holds no records of (no class
-/// of that UnitName, no routine of that FileName): the routines are moved over instead of
-/// copied, which leaves the parse without them. The model is the same either way.
+/// of that UnitName, no routine of that FileName): the routines and the classes the model
+/// does not have yet are moved over instead of copied, which leaves the parse without
+/// them. The model is the same either way.
 void MergeNewUnitParse(TClasslist& model, TFileParse& parse);
 
 /// Merges a job's files in the order parsed (each replacing its unit), then rewrites the
