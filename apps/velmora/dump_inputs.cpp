@@ -163,7 +163,11 @@ namespace {
 std::string PathOf(const TFilesList& files, const Json& unit) {
   if (!unit.is_string()) return {};
   const TFileDescription* file = files.Find(unit.get<std::string>());
-  return file ? file->FullName() : std::string();
+  if (!file) return {};
+  // Absolute, so a tool reading the output need not know where the command ran.
+  std::error_code ec;
+  const fs::path full = fs::absolute(file->FullName(), ec);
+  return ec ? file->FullName() : full.lexically_normal().string();
 }
 
 Json ParsedWithPaths(const std::string& modelJson, const TFilesList& files) {
@@ -188,7 +192,10 @@ std::string JsonLines(const std::string& modelJson, const TFilesList& files) {
   std::string out;
   for (const char* kind : {"class", "routine"}) {
     for (const Json& item : j[std::string(kind) + (kind[0] == 'c' ? "es" : "s")]) {
-      Json line = {{"kind", kind}};
+      // "kind" is taken (a class's kind, a routine's method kind): the line says what it
+      // is under a key of its own, first, so a reader can dispatch before reading on.
+      Json line = Json::object();
+      line["entry"] = kind;
       line.update(item);
       out += Dump(line, -1) + "\n";
     }

@@ -49,7 +49,7 @@ std::vector<std::string> DuplicateClassWarnings(const std::vector<std::string>& 
 /// The JSON of a dump ({"classes": [...], "routines": [...]}) with each class and routine
 /// given the absolute "path" of its file.
 std::string WithPaths(const std::string& modelJson, const TFilesList& files);
-/// The same, one object a line: {"kind": "class", ...} and {"kind": "routine", ...}.
+/// The same, one object a line: {"entry": "class", ...} and {"entry": "routine", ...}.
 std::string JsonLines(const std::string& modelJson, const TFilesList& files);
 
 }  // namespace velmora::app

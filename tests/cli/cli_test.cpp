@@ -10,6 +10,7 @@
 
 #include <fstream>
 #include <functional>
+#include <sstream>
 
 #include "catalogue/catalogue_support.h"
 #include "cli/cli_support.h"
@@ -349,6 +350,119 @@ TEST(VelmoraCommand, WatchReportsClassesAsFilesChangeAndSavesOnInterrupt) {
   EXPECT_NE(fs::last_write_time(cinfo), savedAtStart);
   const TCliRun after = RunIn(dir.Path(), {kProject, "--stats"});
   EXPECT_EQ(StatOf(after.Out, "files parsed"), "0") << after.Out;
+}
+
+}  // namespace
+}  // namespace velmora::cli
+
+namespace velmora::cli {
+namespace {
+
+TEST(VelmoraDump, FoldersWarningsAndStreamingOutput) {
+  struct TDumpCase {
+    const char* name;
+    std::vector<std::string> args;
+    int exitCode = 0;
+    std::vector<std::string> out = {};     ///< each must be in standard output
+    std::vector<std::string> err = {};     ///< each must be in standard error
+    std::vector<std::string> notErr = {};  ///< none may be
+  };
+  const std::vector<TDumpCase> cases = {
+      {.name = "a folder, walked by extension",
+       .args = {"dump", "--stats", "KilnLog"},
+       .out = {"files: 9\n", "classes: 15\n"},
+       .notErr = {"warning"}},
+      {.name = "folders with --exclude by name and by path",
+       .args = {"dump", "--stats", "--exclude", "Main*", "--exclude", "*/Glaze*", "."},
+       .out = {"files: 11\n"}},  // 14 sources here, MainForm.cpp, MainForm.h, GlazeForm.pas out
+      {.name = "an excluded folder is not entered",
+       .args = {"dump", "--stats", "--exclude", "KilnLog", "."},
+       .out = {"files: 5\n"}},  // the nine of KilnLog/ left out
+      {.name = "--include-path without --follow-includes",
+       .args = {"dump", "--stats", "--include-path", "common", "KilnLog/FiringTypes.h"},
+       .err = {"velmora: warning: --include-path is not used without --follow-includes\n"}},
+      {.name = "includes that resolve nowhere",
+       .args = {"dump", "--stats", "--follow-includes", "--include-path", "common",
+                "KilnLog/MainForm.cpp"},
+       .err = {"MainForm.cpp: include \"GlazeForm.hpp\" not found\n"},
+       .notErr = {"StudioDefs.h\" not found"}},
+      {.name = "empty and binary inputs",
+       .args = {"dump", "--stats", "empty.pas", "binary.h"},
+       .err = {"velmora: warning: empty.pas: empty file\n",
+               "velmora: warning: binary.h: looks binary"}},
+      {.name = "a class name two units declare",
+       .args = {"dump", "--stats", "one/Dup.h", "two/Dup.h"},
+       .out = {"classes: 1\n"},
+       .err = {"class TTwice is declared by ", "one/Dup.h and ", "two/Dup.h; the model keeps"}},
+      {.name = "--save after a failed run writes nothing",
+       .args = {"dump", "--stats", "--save", "out.cinfo", "KilnLog/Missing.cpp",
+                "KilnLog/MainForm.h"},
+       .exitCode = 1,
+       .err = {"Missing.cpp", "velmora: nothing saved to out.cinfo: the run failed\n"}},
+      {.name = "a folder with no sources",
+       .args = {"dump", "--stats", "nothing"},
+       .err = {"velmora: warning: nothing: no C++ or Pascal sources in the folder\n"}},
+  };
+  for (const TDumpCase& c : cases) {
+    TWorkDir dir;
+    CopyExamples(dir.Path());
+    WriteFile(dir.Path() / "empty.pas", "");
+    WriteFile(dir.Path() / "binary.h", std::string("\x7F"
+                                                   "ELF\0\0\0",
+                                                   7));
+    fs::create_directories(dir.Path() / "one");
+    fs::create_directories(dir.Path() / "two");
+    fs::create_directories(dir.Path() / "nothing");
+    WriteFile(dir.Path() / "one/Dup.h", "class TTwice { int A; };\r\n");
+    WriteFile(dir.Path() / "two/Dup.h", "class TTwice { int B; };\r\n");
+    const TCliRun run = RunIn(dir.Path(), c.args);
+    EXPECT_EQ(run.ExitCode, c.exitCode) << c.name << "\n" << run.Err;
+    for (const std::string& text : c.out)
+      EXPECT_NE(run.Out.find(text), std::string::npos) << c.name << "\n" << run.Out;
+    for (const std::string& text : c.err)
+      EXPECT_NE(run.Err.find(text), std::string::npos) << c.name << "\n" << run.Err;
+    for (const std::string& text : c.notErr)
+      EXPECT_EQ(run.Err.find(text), std::string::npos) << c.name << "\n" << run.Err;
+    EXPECT_FALSE(fs::exists(dir.Path() / "out.cinfo")) << c.name;
+  }
+}
+
+TEST(VelmoraDump, JsonCarriesPathsAndJsonLinesOneObjectALine) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  const TCliRun json = RunIn(dir.Path(), {"dump", "--json", "KilnLog"});
+  ASSERT_EQ(json.ExitCode, 0) << json.Err;
+  const nlohmann::json model = nlohmann::json::parse(json.Out);
+  for (const auto& cls : model["classes"])
+    EXPECT_TRUE(fs::exists(cls["path"].get<std::string>())) << cls.dump();
+  for (const auto& routine : model["routines"])
+    EXPECT_TRUE(fs::exists(routine["path"].get<std::string>())) << routine.dump();
+
+  const TCliRun lines = RunIn(dir.Path(), {"dump", "--json-lines", "KilnLog"});
+  ASSERT_EQ(lines.ExitCode, 0) << lines.Err;
+  size_t classes = 0, routines = 0;
+  std::istringstream in(lines.Out);
+  for (std::string line; std::getline(in, line);) {
+    const nlohmann::json item = nlohmann::json::parse(line);
+    EXPECT_TRUE(fs::exists(item["path"].get<std::string>())) << line;
+    if (item["entry"] == "class") ++classes;
+    if (item["entry"] == "routine") ++routines;
+  }
+  EXPECT_EQ(classes, model["classes"].size());
+  EXPECT_EQ(routines, model["routines"].size());
+  EXPECT_EQ(classes + routines, static_cast<size_t>(Lines(lines.Out)));
+}
+
+TEST(VelmoraDump, StatsAfterLoadGiveTheLoadTimeAndTheFileSize) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  ASSERT_EQ(RunIn(dir.Path(), {"dump", "--stats", "--save", "model.cinfo", "KilnLog"}).ExitCode, 0);
+  const TCliRun run = RunIn(dir.Path(), {"dump", "--stats", "--load", "model.cinfo"});
+  ASSERT_EQ(run.ExitCode, 0) << run.Err;
+  EXPECT_EQ(StatOf(run.Out, "class information"),
+            std::to_string(fs::file_size(dir.Path() / "model.cinfo")) + " bytes");
+  EXPECT_TRUE(StatOf(run.Out, "load time").ends_with(" ms")) << run.Out;
+  EXPECT_EQ(StatOf(run.Out, "classes"), "15");
 }
 
 }  // namespace
