@@ -49,7 +49,7 @@ struct TVLManagerOptions {
   const TSourceProvider* Sources = nullptr;
   /// The IDE's installation folder, for "$(BCB)" in an include path; empty: the BCB
   /// environment variable.
-  std::string IdeDirectory;
+  std::string IdeDirectory{};
   /// Save the class information after a project's full parse and when it closes.
   bool SaveClassInfo = true;
   /// Load "<project>.cinfo" when a project opens (a warm open).
@@ -70,17 +70,17 @@ enum class TVLOpenKind : uint8_t {
 /// Where the parsing of the current project stands; given to the progress handler after
 /// every merged file.
 struct TVLProgress {
-  int FilesParsed = 0;      ///< source files of the project's jobs parsed and merged so far
-  int FilesTotal = 0;       ///< source files the project's jobs were given
-  std::string CurrentFile;  ///< the file just merged
+  int FilesParsed = 0;        ///< source files of the project's jobs parsed and merged so far
+  int FilesTotal = 0;         ///< source files the project's jobs were given
+  std::string CurrentFile{};  ///< the file just merged
 };
 
 /// What the open of the current project came to; reset when a project opens.
 struct TVLManagerStats {
   TVLOpenKind OpenKind = TVLOpenKind::None;
-  std::string ClassInfoFile;  ///< "<project>.cinfo", "" when no project is open
+  std::string ClassInfoFile{};  ///< "<project>.cinfo", "" when no project is open
   /// The load message the user was given for damaged class information, "" when none.
-  std::string LoadMessage;
+  std::string LoadMessage{};
   int FilesQueued = 0;          ///< source files handed to jobs since the open
   int FilesParsed = 0;          ///< of them, parsed and merged (includes not counted)
   int IncludesParsed = 0;       ///< included files parsed and merged besides them
