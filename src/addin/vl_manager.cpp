@@ -42,6 +42,18 @@ int32_t FileDateOf(const std::string& path) {
   return static_cast<int32_t>(st.st_mtime);
 }
 
+constexpr size_t kMaxKnownHeaders = 256;
+
+/// A file that no include directive names in practice: a C++ source or a Pascal unit,
+/// program or library (Pascal includes are ".inc" files).
+bool IsSourceOnly(const std::string& path) {
+  static constexpr std::string_view kSources[] = {".cpp", ".c",   ".cc",  ".cxx", ".pas",
+                                                  ".pp",  ".dpr", ".lpr", ".dpk", ".lpk"};
+  const std::string_view ext = ExtractFileExt(path);
+  return std::any_of(std::begin(kSources), std::end(kSources),
+                     [&](std::string_view source) { return SameText(ext, source); });
+}
+
 std::string ChangeExt(const std::string& path, std::string_view ext) {
   const std::string_view old = ExtractFileExt(path);
   return path.substr(0, path.size() - old.size()) + std::string(ext);
@@ -143,8 +155,10 @@ struct TVLManager::TState {
   }
 
   /// Every file of the job becomes a request of its own, so the parse queue spreads a
-  /// project's first parse over every core. The job's other files are known to each
-  /// request: a unit that includes another unit of the job leaves it to its own request.
+  /// project's first parse over every core. A unit that includes another unit of the job
+  /// (a header listed as a unit) leaves it to that unit's own request: the job's headers
+  /// are known files to every request. Each request holds its own copy of them, so past
+  /// kMaxKnownHeaders (a folder of headers) they are parsed twice instead.
   void StartJob(TVLManagerThread& job) {
     std::vector<std::string> files = std::move(job.FilesToProcess);
     job.FilesToProcess.clear();
@@ -154,14 +168,17 @@ struct TVLManager::TState {
       return;
     }
     const TParseJobOptions parseOptions = JobOptions();
+    std::vector<std::string> headers;
+    for (const std::string& file : files)
+      if (!IsSourceOnly(file)) headers.push_back(file);
+    if (headers.size() > kMaxKnownHeaders) headers.clear();
     job.Pending = static_cast<int>(files.size());
     for (const std::string& file : files) {
       TParseRequest request;
       request.RootFile = file;
       request.IncludePath = job.IncludePath;
-      if (files.size() > 1)
-        for (const std::string& other : files)
-          if (other != file) request.KnownFiles.push_back(other);
+      for (const std::string& header : headers)
+        if (header != file) request.KnownFiles.push_back(header);
       request.Options = parseOptions;
       request.FollowIncludes = options.FollowIncludes;
       request.Generation = ++requestGeneration;
@@ -184,8 +201,13 @@ struct TVLManager::TState {
     TVLManagerThread* job = jobs.FindStarted(id);
     if (!job) return;
     if (!result.Cancelled && !job->Cancelled() && job->Generation == jobs.Generation() &&
-        !discardResults)
+        !discardResults) {
       Merge(*job, std::move(result));
+      // A re-parse may have freed objects the views show, and nothing may reach a view
+      // between the merge and its refresh. The parse of a project from scratch only adds,
+      // so its views are refreshed once, at its end.
+      if (viewsStale && !(job->FullParse && stats.OpenKind == TVLOpenKind::Cold)) RefreshViews();
+    }
     if (--job->Pending <= 0) Finish(id);
   }
 
