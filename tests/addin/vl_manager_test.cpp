@@ -256,6 +256,20 @@ TEST(ManagerThreads, WarmStartDropsAUnitTheProjectNoLongerHas) {
   EXPECT_NE(f.FindClass("TFormMain"), nullptr);
 }
 
+TEST(ManagerThreads, ARenamedProjectKeepsItsModelUnderTheNewName) {
+  TManagedAddIn f;
+  f.OpenKiln();
+  const std::string renamed = f.KilnLog("Kiln2.bpr");
+  std::filesystem::copy_file(f.ProjectFile(), renamed);
+  ASSERT_TRUE(f.ide.RenameProject(renamed));
+  f.manager()->WaitUntilIdle();
+  EXPECT_EQ(f.manager()->ClassInfoFile(), f.KilnLog("Kiln2.cinfo"));
+  EXPECT_TRUE(FileExists(f.KilnLog("Kiln2.cinfo")));
+  EXPECT_EQ(f.manager()->Stats().OpenKind, TVLOpenKind::Warm);
+  EXPECT_EQ(f.manager()->Stats().FilesQueued, 0);
+  EXPECT_NE(f.FindClass("TFormMain"), nullptr);
+}
+
 TEST(ManagerThreads, DamagedClassInformationIsReportedAndTheProjectParsedAgain) {
   TManagedAddIn f;
   f.Write("KilnLog/KilnLog.cinfo", "not class information at all");
