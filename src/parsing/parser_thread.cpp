@@ -53,15 +53,11 @@ void StartParse(TClasslist& target, void* /*context*/, const std::string& fileNa
   Finish(result.get(), target, parsedNames);
 }
 
-TAbstractParserThread::TAbstractParserThread(const std::string& fileName,
-                                             const TStringList* includePath,
-                                             const TStringList* knownFiles,
-                                             TStringList* parsedNames,
-                                             const TParserThreadOptions& options, void* context,
-                                             TClasslist* target)
+TAbstractParserThread::TAbstractParserThread(
+    const std::string& fileName, const TStringList* includePath, const TStringList* knownFiles,
+    TStringList* parsedNames, const TParserThreadOptions& options, TClasslist* target)
     : FileName(fileName),
       Target(target),
-      Context(context),
       ParsedNames(parsedNames),
       Request(MakeParseRequest(fileName, includePath, knownFiles, options)) {
   Priority = options.Priority;

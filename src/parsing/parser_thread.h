@@ -50,12 +50,11 @@ class TAbstractParserThread : public TThread {
  public:
   TAbstractParserThread(const std::string& fileName, const TStringList* includePath,
                         const TStringList* knownFiles, TStringList* parsedNames,
-                        const TParserThreadOptions& options, void* context, TClasslist* target);
+                        const TParserThreadOptions& options, TClasslist* target);
   ~TAbstractParserThread() override;
 
   std::string FileName;      ///< the root file, as the caller spelled it
   TClasslist* Target;        ///< not owned; changed by ResumeParserThread, never here
-  void* Context;             ///< the caller's; kept, not used here
   TStringList* ParsedNames;  ///< not owned, may be null
   TParseRequest Request;     ///< the job: root, include path, known files, options
   /// Waits between two attempts at a file; the wall clock unless a test sets another.

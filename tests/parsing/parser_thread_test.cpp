@@ -191,7 +191,7 @@ class TScriptedLoadThread : public TCPPParserThread {
  public:
   TScriptedLoadThread(const std::string& fileName, TStringList* parsedNames,
                       const TParserThreadOptions& options, TClasslist* target)
-      : TCPPParserThread(fileName, nullptr, nullptr, parsedNames, options, nullptr, target) {
+      : TCPPParserThread(fileName, nullptr, nullptr, parsedNames, options, target) {
     Pause = [this](std::chrono::milliseconds pause) {
       if (pauses) pauses->push_back(pause);
     };
