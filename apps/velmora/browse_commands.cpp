@@ -57,17 +57,13 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
   const TOpenStats& stats = session->Stats();
   if (stats.Warm)
     PrintMessage("loaded the saved class information " + RelativeToCurrent(stats.ClassInfoFile) +
-                 "; " + std::to_string(stats.FilesParsed) + " of " +
-                 std::to_string(stats.FilesTotal) + " files changed or new, parsed again");
+                 "; parsed again what changed since: " + std::to_string(stats.UnitsParsed) +
+                 " of " + std::to_string(session->Project().Units.size()) + " units");
   else
-    PrintMessage("parsed " + std::to_string(stats.FilesParsed) + " files");
+    PrintMessage("no saved class information yet: parsed " + std::to_string(stats.UnitsParsed) +
+                 " units and " + std::to_string(stats.FilesTotal - stats.UnitsParsed) +
+                 " files they include");
   return session;
-}
-
-bool SaveWhenChanged(TBrowseSession& session) {
-  const TOpenStats& stats = session.Stats();
-  if (stats.Warm && stats.FilesParsed == 0 && stats.FilesDropped == 0) return true;
-  return session.Save();
 }
 
 namespace {
@@ -112,8 +108,8 @@ std::string StatsText(TBrowseSession& session) {
       "project: " + session.Project().Name + " (" + ProjectKindName(session.Project().Kind) + ")\n";
   out += std::string("open: ") + (s.Warm ? "warm" : "cold") + "\n";
   out += "files: " + std::to_string(s.FilesTotal) + "\n";
-  out += "files parsed: " + std::to_string(s.FilesParsed) + "\n";
-  if (s.FilesUnreadable > 0) out += "files unreadable: " + std::to_string(s.FilesUnreadable) + "\n";
+  out += "units parsed: " + std::to_string(s.UnitsParsed) + "\n";
+  out += "includes parsed: " + std::to_string(s.IncludesParsed) + "\n";
   out += "classes: " + std::to_string(session.Classes().CountAll()) + "\n";
   out += "members: " + std::to_string(CountMembers(session.Classes())) + "\n";
   out += "routines: " + std::to_string(session.Classes().Routines.Count()) + "\n";
@@ -127,13 +123,8 @@ std::string StatsText(TBrowseSession& session) {
   return out + buffer;
 }
 
-void Finish(TBrowseSession& session) {
-  if (!SaveWhenChanged(session)) throw TCommandError("");
-}
-
 void RunTree(const TTreeOptions& o) {
   auto session = OpenBrowseSession(o.Project);
-  Finish(*session);
   if (o.Stats) {
     std::fputs(StatsText(*session).c_str(), stdout);
     return;
@@ -217,7 +208,6 @@ void AddHierarchyCommand(CLI::App& app) {
         throw TCommandError("give one CLASS and one PROJECT", kExitUsage);
     }
     auto session = OpenBrowseSession(project);
-    Finish(*session);
     std::string out;
     if (!RenderHierarchy(*session, TPathNamer(*session), className, out))
       throw TCommandError("no class named '" + className + "' in " + session->Project().Name);
@@ -240,7 +230,6 @@ void AddFindCommand(CLI::App& app) {
   cmd->add_flag("--whole-word", a->Options.WholeWord, "The whole name must match");
   cmd->callback([a] {
     auto session = OpenBrowseSession(a->Project);
-    Finish(*session);
     std::string out;
     const int found = RenderFind(*session, TPathNamer(*session), a->Text, a->Options, out);
     std::fputs(out.c_str(), stdout);
@@ -254,7 +243,6 @@ void AddFilesCommand(CLI::App& app) {
   cmd->add_option("project", *project, "Project file or folder");
   cmd->callback([project] {
     auto session = OpenBrowseSession(*project);
-    Finish(*session);
     const TPathNamer paths(*session);
     std::string out;
     for (const std::string& file : session->WatchedFiles()) {

@@ -134,16 +134,16 @@ class TWatcher {
 };
 
 void RunWatch(const std::string& project) {
-  auto session = OpenBrowseSession(project);
-  if (!SaveWhenChanged(*session)) throw TCommandError("");
-
   // Ctrl+C arrives through a descriptor, so the loop ends between two parses and saves.
+  // Blocked before the session starts its parse threads, which inherit the mask: one of
+  // them would otherwise take the signal and end the process unsaved.
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
-  ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+  ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   const int signalFd = ::signalfd(-1, &signals, SFD_CLOEXEC);
+  auto session = OpenBrowseSession(project);
   TWatcher watcher;
   watcher.Watch(session->WatchedFiles());
   PrintMessage("watching " + std::to_string(session->WatchedFiles().size()) +

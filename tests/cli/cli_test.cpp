@@ -109,7 +109,7 @@ TEST(VelmoraCommand, WarmStartParsesOnlyWhatChanged) {
   const TCliRun cold = RunIn(dir.Path(), {kProject, "--stats"});
   ASSERT_EQ(cold.ExitCode, 0) << cold.Err;
   EXPECT_EQ(StatOf(cold.Out, "open"), "cold");
-  EXPECT_EQ(StatOf(cold.Out, "files parsed"), StatOf(cold.Out, "files"));
+  EXPECT_EQ(StatOf(cold.Out, "units parsed"), "6");  // every unit of the project
   ASSERT_TRUE(fs::exists(dir.Path() / "KilnLog/KilnLog.cinfo"));
   const std::string coldTree = RunIn(dir.Path(), {kProject}).Out;
 
@@ -118,13 +118,17 @@ TEST(VelmoraCommand, WarmStartParsesOnlyWhatChanged) {
     std::function<void()> change;
     std::string parsed;
   };
+  // One unit is parsed again when it, or a header it reaches, changed.
   const std::vector<TStep> steps = {
       {.name = "nothing changed", .change = [] {}, .parsed = "0"},
-      {.name = "one header saved later",
-       .change = [&] { TouchLater(dir.Path() / "KilnLog/MainForm.h", 10); },
+      {.name = "a Pascal unit saved later",
+       .change = [&] { TouchLater(dir.Path() / "KilnLog/GlazeForm.pas", 10); },
        .parsed = "1"},
-      {.name = "one Pascal unit saved later",
-       .change = [&] { TouchLater(dir.Path() / "KilnLog/GlazeForm.pas", 20); },
+      {.name = "a C++ unit saved later",
+       .change = [&] { TouchLater(dir.Path() / "KilnLog/ScheduleDlg.cpp", 20); },
+       .parsed = "1"},
+      {.name = "a header saved later",
+       .change = [&] { TouchLater(dir.Path() / "KilnLog/MainForm.h", 30); },
        .parsed = "1"},
   };
   for (const TStep& step : steps) {
@@ -132,7 +136,7 @@ TEST(VelmoraCommand, WarmStartParsesOnlyWhatChanged) {
     const TCliRun warm = RunIn(dir.Path(), {kProject, "--stats"});
     EXPECT_EQ(warm.ExitCode, 0) << step.name << "\n" << warm.Err;
     EXPECT_EQ(StatOf(warm.Out, "open"), "warm") << step.name;
-    EXPECT_EQ(StatOf(warm.Out, "files parsed"), step.parsed) << step.name;
+    EXPECT_EQ(StatOf(warm.Out, "units parsed"), step.parsed) << step.name << "\n" << warm.Out;
     EXPECT_EQ(StatOf(warm.Out, "files"), StatOf(cold.Out, "files")) << step.name;
     EXPECT_NE(StatOf(warm.Out, "load time"), "") << step.name;
     EXPECT_NE(warm.Err.find("loaded the saved class information"), std::string::npos) << step.name;
@@ -349,7 +353,7 @@ TEST(VelmoraCommand, WatchReportsClassesAsFilesChangeAndSavesOnInterrupt) {
   EXPECT_EQ(watch.Interrupt(), 0) << watch.Err();
   EXPECT_NE(fs::last_write_time(cinfo), savedAtStart);
   const TCliRun after = RunIn(dir.Path(), {kProject, "--stats"});
-  EXPECT_EQ(StatOf(after.Out, "files parsed"), "0") << after.Out;
+  EXPECT_EQ(StatOf(after.Out, "units parsed"), "0") << after.Out;
 }
 
 }  // namespace
