@@ -61,8 +61,7 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
                  " of " + std::to_string(session->Project().Units.size()) + " units");
   else
     PrintMessage("no saved class information yet: parsed " + std::to_string(stats.UnitsParsed) +
-                 " units and " + std::to_string(stats.FilesTotal - stats.UnitsParsed) +
-                 " files they include");
+                 " units, " + std::to_string(stats.FilesTotal) + " files with their includes");
   return session;
 }
 

@@ -24,9 +24,9 @@ std::string Slurp(const fs::path& path) {
 }
 
 /// Forks a velmora in `dir` with its output in the two files; the child's process id.
-pid_t Spawn(const fs::path& dir, const std::vector<std::string>& args, const fs::path& out,
-            const fs::path& err) {
-  std::vector<std::string> argStrings = {VELMORA_BINARY};
+pid_t Spawn(const std::string& program, const fs::path& dir, const std::vector<std::string>& args,
+            const fs::path& out, const fs::path& err) {
+  std::vector<std::string> argStrings = {program};
   argStrings.insert(argStrings.end(), args.begin(), args.end());
   // Beside the folder, so a snapshot of the folder sees only what the command wrote.
   const std::string home = dir.string() + ".home";
@@ -73,10 +73,15 @@ int Reap(pid_t pid, int seconds) {
 }  // namespace
 
 TCliRun RunIn(const fs::path& dir, const std::vector<std::string>& args, int seconds) {
+  return RunProgramIn(VELMORA_BINARY, dir, args, seconds);
+}
+
+TCliRun RunProgramIn(const std::string& program, const fs::path& dir,
+                     const std::vector<std::string>& args, int seconds) {
   // The output files live beside the folder, so a snapshot of it sees only the command.
   const fs::path out = dir.string() + ".out", err = dir.string() + ".err";
   TCliRun run;
-  run.ExitCode = Reap(Spawn(dir, args, out, err), seconds);
+  run.ExitCode = Reap(Spawn(program, dir, args, out, err), seconds);
   run.Out = Slurp(out);
   run.Err = Slurp(err);
   fs::remove(out);
@@ -101,7 +106,7 @@ void TouchLater(const fs::path& file, int seconds) {
 
 TBackgroundRun::TBackgroundRun(const fs::path& dir, const std::vector<std::string>& args)
     : out_(dir.string() + ".out"), err_(dir.string() + ".err") {
-  pid_ = Spawn(dir, args, out_, err_);
+  pid_ = Spawn(VELMORA_BINARY, dir, args, out_, err_);
 }
 
 TBackgroundRun::~TBackgroundRun() {

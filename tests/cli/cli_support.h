@@ -21,6 +21,9 @@ struct TCliRun {
 /// Runs velmora with `args` in `dir`; settings and data go to `dir`.home.
 TCliRun RunIn(const std::filesystem::path& dir, const std::vector<std::string>& args,
               int seconds = 60);
+/// The same with another velmora executable (an installed copy, say).
+TCliRun RunProgramIn(const std::string& program, const std::filesystem::path& dir,
+                     const std::vector<std::string>& args, int seconds = 60);
 
 /// Copies the example projects (examples/ of the source tree, saved class information
 /// left out) into `dir`.

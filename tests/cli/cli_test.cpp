@@ -90,6 +90,25 @@ TEST(VelmoraCommand, GoldenOutputOfTheExampleProject) {
   }
 }
 
+TEST(VelmoraCommand, BareCommandRunsTheMainJobOnTheBundledExample) {
+  // An installed layout: the executable in bin/, the example under share/velmora/, so the
+  // run writes its class information there and not into the source tree.
+  TWorkDir dir;
+  const fs::path prefix = dir.Path() / "prefix";
+  fs::create_directories(prefix / "bin");
+  fs::create_directories(prefix / "share/velmora/examples");
+  fs::copy_file(VELMORA_BINARY, prefix / "bin/velmora");
+  CopyExamples(prefix / "share/velmora/examples");
+  CopyExamples(dir.Path());
+  const std::string expected = RunIn(dir.Path(), {kProject}).Out;
+  // Run from inside the installed examples, so the paths read as in the golden text.
+  const TCliRun run =
+      RunProgramIn((prefix / "bin/velmora").string(), prefix / "share/velmora/examples", {});
+  EXPECT_EQ(run.ExitCode, 0) << run.Err;
+  EXPECT_EQ(run.Out, expected);
+  EXPECT_TRUE(fs::exists(prefix / "share/velmora/examples/KilnLog/KilnLog.cinfo"));
+}
+
 TEST(VelmoraCommand, ReadableTreeLeavesOutWhatANodeLacks) {
   TWorkDir dir;
   CopyExamples(dir.Path());
