@@ -161,9 +161,9 @@ const char kTreeFormatHelp[] = R"(The class view, one node a line, two spaces a 
     class TFormMain : TForm  examples/KilnLog/MainForm.h:15
       field published TMainMenu * MainMenu  examples/KilnLog/MainForm.h:18
       property public bool Modified  examples/KilnLog/MainForm.h:63
-      method protected void CreateParams(TCreateParams & Params) [virtual]  examples/KilnLog/MainForm.h:53
+      method protected void CreateParams(TCreateParams & Params) [virtual __fastcall]  examples/KilnLog/MainForm.h:53
     Global Routines
-      routine public FiringKindName(AKind: TFiringKind): string  examples/KilnLog/GlazeForm.pas:20
+      routine int ConeToCelsius(int Cone) [__fastcall]  examples/KilnLog/FiringTypes.h:134
   External Classes
 Each class shows its nested classes, fields and properties, then methods; domains and
 free routines follow the classes. Paths are relative to the current folder; directives
@@ -174,13 +174,14 @@ void AddTreeCommand(CLI::App& app) {
   auto* cmd = app.add_subcommand(
       "tree", "Open a project (default: the bundled example), parse it and print its class view");
   cmd->footer(kTreeFormatHelp);
-  cmd->add_option("project", o->Project,
+  cmd->add_option("PROJECT", o->Project,
                   "Project file or folder (.bpr .mak .cbproj .dpr .dproj .lpi .lpk)");
   auto* json =
       cmd->add_flag("--json", o->Json, "Print the class view as JSON (with a format version)");
   cmd->add_flag("--stats", o->Stats, "Print only counts, cold or warm open, files parsed and times")
       ->excludes(json);
-  cmd->add_option("--filter", o->Filter, "Show only classes whose name contains NAME");
+  cmd->add_option("--filter", o->Filter, "Show only classes whose name contains NAME")
+      ->type_name("NAME");
   cmd->add_flag("--fields", o->Fields, "Members: show fields");
   cmd->add_flag("--methods", o->Methods, "Members: show methods");
   cmd->add_flag("--properties", o->Properties, "Members: show properties");
@@ -195,7 +196,7 @@ void AddHierarchyCommand(CLI::App& app) {
   auto* cmd = app.add_subcommand(
       "hierarchy",
       "Print the classes under their ancestors; with CLASS its ancestors and descendants");
-  cmd->add_option("args", *args, "[CLASS] [PROJECT], in either order")->expected(0, 2);
+  cmd->add_option("CLASS_AND_PROJECT", *args, "[CLASS] [PROJECT], in either order")->expected(0, 2);
   cmd->callback([args] {
     std::string project, className;
     for (const std::string& arg : *args) {
@@ -223,8 +224,8 @@ void AddFindCommand(CLI::App& app) {
   auto* cmd = app.add_subcommand(
       "find",
       "Print the classes, fields, properties, methods and routines whose name contains TEXT");
-  cmd->add_option("text", a->Text, "What to look for")->required();
-  cmd->add_option("project", a->Project, "Project file or folder");
+  cmd->add_option("TEXT", a->Text, "What to look for")->required();
+  cmd->add_option("PROJECT", a->Project, "Project file or folder");
   cmd->add_flag("--match-case", a->Options.MatchCase, "Letter case must match");
   cmd->add_flag("--whole-word", a->Options.WholeWord, "The whole name must match");
   cmd->callback([a] {
@@ -239,7 +240,7 @@ void AddFindCommand(CLI::App& app) {
 void AddFilesCommand(CLI::App& app) {
   auto project = std::make_shared<std::string>();
   auto* cmd = app.add_subcommand("files", "Print the files of the project's model, one a line");
-  cmd->add_option("project", *project, "Project file or folder");
+  cmd->add_option("PROJECT", *project, "Project file or folder");
   cmd->callback([project] {
     auto session = OpenBrowseSession(*project);
     const TPathNamer paths(*session);

@@ -176,7 +176,7 @@ void AddWatchCommand(CLI::App& app) {
   auto* cmd = app.add_subcommand("watch",
                                  "Stay running: parse files again as they change and print each "
                                  "class added, changed or removed");
-  cmd->add_option("project", *project, "Project file or folder");
+  cmd->add_option("PROJECT", *project, "Project file or folder");
   cmd->callback([project] { RunWatch(*project); });
 }
 

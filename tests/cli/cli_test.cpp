@@ -314,7 +314,7 @@ TEST(VelmoraCommand, ErrorsAsUsersMeetThem) {
        .args = {kProject, "--json", "--stats"},
        .exitCode = 2,
        .message = "--json"},
-      {.name = "find without text", .args = {"find"}, .exitCode = 2, .message = "text"},
+      {.name = "find without text", .args = {"find"}, .exitCode = 2, .message = "TEXT is required"},
       {.name = "filter without name",
        .args = {kProject, "--filter"},
        .exitCode = 2,
