@@ -115,7 +115,9 @@ std::string PropertySpecifiers(const TFieldDescription& property) {
     text += cpp ? " = " : " ";
     text += Trim(*value);
   }
-  if (cpp && !text.empty()) return " = { " + text + " }";
+  // The template puts a blank before SPECIFIERS already; the braces follow it directly so
+  // that a declaration reads "__property int Count = { read = GetCount };".
+  if (cpp && !text.empty()) return "= { " + text + " }";
   return text;
 }
 

@@ -57,7 +57,7 @@ std::string CppDirectives(const TMethodDescription& method);
 std::string CppExtendedDirectives(const TMethodDescription& method, bool forDeclaration);
 
 /// SPECIFIERS of a property: Pascal "read G write S stored X index I default D"; C++
-/// " = { read = G, write = S, ... }" (empty when there are none).
+/// "= { read = G, write = S, ... }" (empty when there are none).
 std::string PropertySpecifiers(const TFieldDescription& property);
 
 /// The message type of a C++ message handler: its first parameter's type without one
