@@ -135,8 +135,8 @@ void StageBlock(const TBlock& b, const TClassDescription& cls, const TVLSettings
   const auto& v = b.Values;
   const TVisibility visibility = VisibilityOf(Text(v, "visibility"));
   if (b.Kind == "field") {
-    TAddFieldRequest r{.FieldName = Text(v, "name"), .Type = Text(v, "type"),
-                       .Visibility = visibility};
+    TAddFieldRequest r{
+        .FieldName = Text(v, "name"), .Type = Text(v, "type"), .Visibility = visibility};
     ASSERT_FALSE(r.Check(cls)) << r.Check(cls)->Text;
     r.Stage(cls, generator, staged);
   } else if (b.Kind == "method") {
