@@ -8,6 +8,16 @@ class App;
 
 namespace velmora::app {
 
+/// `velmora [tree] [PROJECT] [--json | --stats] [--filter NAME] [member switches]`: the main job
+void AddTreeCommand(CLI::App& app);
+/// `velmora hierarchy [CLASS] [PROJECT]`
+void AddHierarchyCommand(CLI::App& app);
+/// `velmora find TEXT [PROJECT] [--match-case] [--whole-word]`
+void AddFindCommand(CLI::App& app);
+/// `velmora files [PROJECT]`
+void AddFilesCommand(CLI::App& app);
+/// `velmora watch [PROJECT]`
+void AddWatchCommand(CLI::App& app);
 /// `velmora tokens FILE...`
 void AddTokensCommand(CLI::App& app);
 /// `velmora dump [--json | --stats] [--follow-includes] [--include-path DIR]... FILE...`

@@ -12,7 +12,6 @@
 namespace velmora {
 namespace {
 
-constexpr TLanguage P = TLanguage::Pascal;
 constexpr TLanguage C = TLanguage::Cpp;
 
 std::vector<std::string> Members(const TDomain& d) {

@@ -6,45 +6,39 @@
 #include <filesystem>
 #include <memory>
 #include <random>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "model/class_list.h"
-#include "model/model_text.h"
-#include "support/stream.h"
+#include "parse_snippet.h"
 #include "support/text_buffer.h"
 
 namespace velmora {
 namespace {
 
 struct TParsed {
-  std::string text;  // as the parser saw it
+  std::string text;  // as the parser saw it (buffer form)
   std::unique_ptr<TClasslist> list = std::make_unique<TClasslist>();
   std::vector<std::string> includes;
 };
 
 void ParseInto(TParsed& p, bool positions = false, std::string_view unit = "input.h") {
-  TMemoryStream stream(p.text);
-  TCPPFileParser parser(unit, 0, p.list.get(), &stream);
-  parser.WantPositions = positions;
-  parser.Parse();
-  p.includes.clear();
-  for (int i = 0; i < parser.IncludeNames.Count(); ++i)
-    p.includes.push_back(parser.IncludeNames.Strings(i));
+  TParsedSnippet parsed =
+      ParseSnippetInto(*p.list, TLanguage::Cpp, p.text, {.Unit = unit, .WantPositions = positions});
+  p.text = std::move(parsed.Text);
+  p.includes = std::move(parsed.Includes);
 }
 
 TParsed Parse(std::string_view source, bool positions = false) {
   TParsed p;
-  p.text = ToBufferForm(source);
+  p.text = source;
   ParseInto(p, positions);
   return p;
 }
 
 /// The model's text without the positions, which the position tests check on their own.
 std::string Describe(const TClasslist& list) {
-  static const std::regex kAt(" at -?\\d+:-?\\d+--?\\d+:-?\\d+");
-  return std::regex_replace(DescribeModel(list), kAt, "");
+  return WithoutPositions(DescribeParse(list));
 }
 
 // ---- Positions: every one the parser sets must agree with the text ----

@@ -1,8 +1,12 @@
 // Golden files for both parsers: each case folder under golden/cpp and golden/pascal holds
 // `input.<ext>` and `expected.txt`, the model text of what the parser records; every file of
-// the example project has its own expected text under golden/examples. A folder without an
-// expected file only checks that the parse ends. VELMORA_UPDATE_GOLDEN=1 rewrites the
-// expected files after a deliberate change; review the diff before committing it.
+// the example project has its own expected text under golden/examples. A case folder
+// without an expected file is a fault (a forgotten file would pass unseen) unless it holds
+// a file named `crash-only`: then the case only checks that the parse ends.
+//
+// VELMORA_UPDATE_GOLDEN=1 rewrites the expected files that differ after a deliberate
+// change, names each one it rewrote, and reports every case as skipped, so an update run
+// is never taken for a passing one; review the diff before committing it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,9 +16,8 @@
 #include <sstream>
 
 #include "model/class_list.h"
-#include "model/model_text.h"
+#include "parse_snippet.h"
 #include "parsing/source_parser.h"
-#include "support/stream.h"
 #include "support/text_buffer.h"
 
 namespace velmora {
@@ -26,7 +29,13 @@ struct GoldenCase {
   std::string name;  // shown in the test name
   fs::path input;
   fs::path expected;
+  bool crashOnly = false;  // the folder holds a `crash-only` marker: no expected text
 };
+
+// The input's path in test listings, not the struct's bytes.
+void PrintTo(const GoldenCase& c, std::ostream* os) {
+  *os << c.input.string();
+}
 
 std::string ReadText(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -56,7 +65,8 @@ std::vector<GoldenCase> CollectCases() {
       for (const auto& file : fs::directory_iterator(dir.path())) {
         if (file.path().stem() == "input")
           cases.push_back({TestName(std::string(lang) + "_" + dir.path().filename().string()),
-                           file.path(), dir.path() / "expected.txt"});
+                           file.path(), dir.path() / "expected.txt",
+                           fs::exists(dir.path() / "crash-only")});
       }
     }
   }
@@ -75,17 +85,15 @@ std::vector<GoldenCase> CollectCases() {
 
 std::string ParseToText(const fs::path& input) {
   const std::string name = input.filename().string();
-  TMemoryStream text(LoadSourceText(input.string()));
   TClasslist list;
-  TStringList includes(true, TDuplicates::Ignore, false);
-  ParseSourceText(LanguageOfFile(name), name, text, list, TParseOptions{}, &includes);
-  std::string out = DescribeModel(list);
-  if (includes.Count() > 0) {
-    out += "includes:";
-    for (int i = 0; i < includes.Count(); ++i) out += " " + includes.Strings(i);
-    out += '\n';
-  }
-  return out;
+  const TParsedSnippet parsed =
+      ParseSnippetInto(list, LanguageOfFile(name), LoadSourceText(input.string()), {.Unit = name});
+  return DescribeParse(list, parsed.Includes);
+}
+
+bool UpdateMode() {
+  const char* update = std::getenv("VELMORA_UPDATE_GOLDEN");
+  return update && std::string(update) == "1";
 }
 
 class GoldenTest : public ::testing::TestWithParam<GoldenCase> {};
@@ -93,18 +101,26 @@ class GoldenTest : public ::testing::TestWithParam<GoldenCase> {};
 TEST_P(GoldenTest, ParserOutputMatches) {
   const GoldenCase& c = GetParam();
   const std::string actual = ParseToText(c.input);
-  const char* update = std::getenv("VELMORA_UPDATE_GOLDEN");
-  if (update && std::string(update) == "1") {
-    fs::create_directories(c.expected.parent_path());
-    std::ofstream(c.expected, std::ios::binary) << actual;
+  if (c.crashOnly) {
+    EXPECT_FALSE(fs::exists(c.expected))
+        << c.expected << " is never compared: its folder holds a crash-only marker";
     return;
   }
-  if (!fs::exists(c.expected)) return;  // a crash-only case
+  if (UpdateMode()) {
+    if (fs::exists(c.expected) && ReadText(c.expected) == actual) GTEST_SKIP() << "unchanged";
+    fs::create_directories(c.expected.parent_path());
+    std::ofstream(c.expected, std::ios::binary) << actual;
+    GTEST_SKIP() << "rewrote " << c.expected.string();
+  }
+  ASSERT_TRUE(fs::exists(c.expected))
+      << "no expected file " << c.expected
+      << ": make it with VELMORA_UPDATE_GOLDEN=1, or put a file named crash-only beside " << c.input
+      << " when the case only checks that the parse ends";
   EXPECT_EQ(actual, ReadText(c.expected)) << "input: " << c.input << "\nexpected: " << c.expected;
 }
 
 INSTANTIATE_TEST_SUITE_P(Parsers, GoldenTest, ::testing::ValuesIn(CollectCases()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& instance) { return instance.param.name; });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GoldenTest);
 
 }  // namespace

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "model/class_list.h"
+#include "parse_snippet.h"
 #include "parsing/pascal_tokenizer.h"
-#include "support/stream.h"
 #include "support/text_buffer.h"
 
 namespace velmora {
@@ -35,7 +35,7 @@ std::string MethodLine(const TMethodDescription& m) {
   return s;
 }
 
-std::string Summary(const TClasslist& list, const TStringList* includes = nullptr) {
+std::string Summary(const TClasslist& list, const std::vector<std::string>& includes = {}) {
   std::string out;
   const auto line = [&out](const std::string& s) { out += (out.empty() ? "" : "\n") + s; };
   for (int i = 0; i < list.Count(); ++i) {
@@ -72,9 +72,9 @@ std::string Summary(const TClasslist& list, const TStringList* includes = nullpt
   }
   for (int i = 0; i < list.Routines.Count(); ++i)
     line("routine " + MethodLine(*list.Routines.Items(i)));
-  if (includes && includes->Count() > 0) {
+  if (!includes.empty()) {
     std::string s = "includes";
-    for (int i = 0; i < includes->Count(); ++i) s += " " + includes->Strings(i);
+    for (const std::string& name : includes) s += " " + name;
     line(s);
   }
   return out;
@@ -87,12 +87,10 @@ struct TParseResult {
 
 TParseResult ParseUnit(TClasslist& list, const std::string& text, bool parseImplementation = true,
                        bool wantPositions = false) {
-  const TMemoryStream stream(ToBufferForm(text));
-  TPascalFileParser parser("u.pas", 0, &list, &stream);
-  parser.ParseImplementation = parseImplementation;
-  parser.WantPositions = wantPositions;
-  parser.Parse();
-  return {Summary(list, &parser.IncludeNames), parser.InImplementation};
+  const TParsedSnippet parsed = ParseSnippetInto(
+      list, TLanguage::Pascal, text,
+      {.WantPositions = wantPositions, .ParseImplementation = parseImplementation});
+  return {Summary(list, parsed.Includes), parsed.InImplementation};
 }
 
 std::string Describe(const std::string& text) {
@@ -514,11 +512,9 @@ TEST(PascalParserTest, HostileInputEnds) {
   for (const std::string& text : texts) {
     for (bool wantPositions : {false, true}) {
       TClasslist list;
-      const TMemoryStream stream(text);
-      TPascalFileParser parser("u.pas", 0, &list, &stream);
-      parser.WantPositions = wantPositions;
-      parser.Parse();
-      const int32_t size = static_cast<int32_t>(text.size());
+      const TParsedSnippet parsed =
+          ParseSnippetInto(list, TLanguage::Pascal, text, {.WantPositions = wantPositions});
+      const int32_t size = static_cast<int32_t>(parsed.Text.size());
       for (int i = 0; i < list.Count(); ++i) {
         const TClassDescription& c = *list.Items(i);
         ExpectPositionsInside(c, size, text);

@@ -16,7 +16,7 @@ TEST(AnsiTest, FoldsTheLatinOneLettersButNotTheirNeighbours) {
   // The division and multiplication signs sit inside the letter ranges but have no case.
   EXPECT_EQ(kAnsiUpper[0xF7], 0xF7);
   EXPECT_EQ(kAnsiLower[0xD7], 0xD7);
-  EXPECT_EQ(kAnsiUpper['_'], '_');
+  EXPECT_EQ(kAnsiUpper[static_cast<unsigned char>('_')], '_');
   EXPECT_EQ(kAnsiUpper[0xDF], 0xDF);  // sharp s has no single-byte capital
 }
 

@@ -1,0 +1,5 @@
+// A parser header that includes only layers below it: the layer check must accept it.
+#pragma once
+
+#include "model/class_list.h"
+#include "support/ansi.h"
