@@ -14,6 +14,19 @@ namespace {
 
 enum class TMemberSort { Field, Method, Property };
 
+// Whether `text` holds `lowerWord` (lower case letters), letter case aside.
+bool ContainsText(const std::string& text, std::string_view lowerWord) {
+  const size_t n = lowerWord.size();
+  if (n == 0 || text.size() < n) return n == 0;
+  for (size_t i = 0; i + n <= text.size(); ++i) {
+    if ((text[i] | 0x20) != lowerWord[0]) continue;
+    size_t k = 1;
+    while (k < n && (text[i + k] | 0x20) == lowerWord[k]) ++k;
+    if (k == n) return true;
+  }
+  return false;
+}
+
 // The end line of the last member of `sort` in section `visibility` whose name sorts
 // before `name`, walking the class's members in order and stopping at the first that does
 // not; -1 when none does.
@@ -251,6 +264,10 @@ TMethodImplInsertObject::TMethodImplInsertObject(const TInsertionSetup& setup,
 
 int32_t TMethodImplInsertObject::ComputeInsertionLine(const TInsertionContext& context) {
   if (!context.FileText || !context.Class) return kNoPlace;
+  // Every marker that places an implementation has "marker" in its name. Without one in
+  // the text a C++ implementation has no place, and the search over the file's tokens can
+  // be spared.
+  if (IsCpp(Language()) && !ContainsText(*context.FileText, "marker")) return kNoPlace;
   const int32_t line = MethodImplementationLine(Language(), *context.FileText, *context.Class,
                                                 method_.Name, context.Ordered);
   return line < 0 ? kNoPlace : line;
