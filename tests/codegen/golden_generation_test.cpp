@@ -4,7 +4,8 @@
 // one block each ([field], [method], [property]) with the controls of the add-member
 // dialog as "key = value" lines, all put through one generator. Global lines before the
 // first block: "class = Name" (Outer::Inner for a nested class), "module = before.h" when
-// it is not the only header or unit, "ordered = true" for ordered insertion.
+// it is not the only header or unit, "ordered = true" for ordered insertion. A "file"
+// names a file of the folder.
 //
 // VELMORA_UPDATE_GOLDEN=1 rewrites the after files from what the generator wrote.
 #include <gtest/gtest.h>
@@ -130,8 +131,9 @@ std::vector<std::string> AddedNames(const TBlock& b) {
   return names;
 }
 
-void StageBlock(const TBlock& b, const TClassDescription& cls, const TVLSettings& settings,
-                TAbstractCodeGenerator& generator, TStagedMembers& staged) {
+void StageBlock(const TBlock& b, const fs::path& dir, const TClassDescription& cls,
+                const TVLSettings& settings, TAbstractCodeGenerator& generator,
+                TStagedMembers& staged) {
   const auto& v = b.Values;
   const TVisibility visibility = VisibilityOf(Text(v, "visibility"));
   if (b.Kind == "field") {
@@ -156,7 +158,7 @@ void StageBlock(const TBlock& b, const TClassDescription& cls, const TVLSettings
     r.FastCall = Flag(v, "fastcall");
     r.MessageHandler = !Text(v, "message").empty();
     r.MessageId = Text(v, "message");
-    r.ImplementationFile = Text(v, "file");
+    if (!Text(v, "file").empty()) r.ImplementationFile = (dir / Text(v, "file")).string();
     r.CallInherited = Flag(v, "inherited");
     r.Inline = Flag(v, "inline");
     r.ImplicitInline = Flag(v, "implicit_inline");
@@ -185,7 +187,7 @@ void StageBlock(const TBlock& b, const TClassDescription& cls, const TVLSettings
     r.GetMember = Text(v, "get_member");
     r.ImplementSetUsingMember = !Text(v, "set_member").empty();
     r.SetMember = Text(v, "set_member");
-    r.ImplementIn = Text(v, "file");
+    if (!Text(v, "file").empty()) r.ImplementIn = (dir / Text(v, "file")).string();
     r.Visibility = visibility;
     ASSERT_FALSE(r.Check(cls)) << r.Check(cls)->Text;
     r.Stage(cls, settings, generator, staged);
@@ -223,7 +225,7 @@ void RunCase(const fs::path& dir) {
   auto generator = TAbstractCodeGenerator::Create(buffers, settings, *cls, module);
   TStagedMembers staged;
   for (const TBlock& b : request.Blocks) {
-    StageBlock(b, *cls, settings, *generator, staged);
+    StageBlock(b, dir, *cls, settings, *generator, staged);
     if (testing::Test::HasFatalFailure()) return;
   }
   const TAddMemberOutcome outcome = GenerateStaged(*cls, *generator, staged);
