@@ -16,6 +16,7 @@
 #include "commands.h"
 #include "member_lookup.h"
 #include "model/class_list.h"
+#include "settings/registry_ini_store.h"
 #include "settings/vl_settings.h"
 #include "support/stream.h"
 #include "support/text_buffer.h"
@@ -124,7 +125,11 @@ void RunAdd(const TCommonOptions& o,
   TClassDescription* cls = FindClassByName(session->Classes(), o.Class);
   if (!cls) throw TCommandError("no class '" + o.Class + "' in the project");
 
+  // The user's templates and code generation options; a store that cannot be read leaves
+  // the defaults.
   TVLSettings settings;
+  TRegistryIniStore store(TRegistryIniStore::DefaultFileName());
+  if (store.Load()) settings.Load(store);
   TMemoryCodeBuffers buffers;
   const std::string module = ResolveUnitFile(cls->UnitName, session->WatchedFiles());
   const TAddMemberOutcome outcome = apply({cls, &settings, &buffers, module});
