@@ -118,10 +118,11 @@ std::string ApplyEdits(const std::string& text, const std::vector<TEdit>& edits)
 }
 
 std::unique_ptr<TClasslist> ParseText(TLanguage language, const std::string& fileName,
-                                      const std::string& text) {
+                                      const std::string& text, bool parseImplementation) {
   auto list = std::make_unique<TClasslist>();
   TParseOptions options;
   options.WantPositions = true;
+  options.ParseImplementation = parseImplementation;
   ParseSourceText(language, fileName, TMemoryStream(text), *list, options, nullptr);
   return list;
 }
@@ -159,7 +160,8 @@ TAbstractCodeGenerator::TAbstractCodeGenerator(TCodeTextBuffers& buffers,
     : buffers_(buffers),
       class_(cls),
       moduleFile_(std::move(moduleFile)),
-      ordered_(settings.AlphabeticCodeGen) {
+      ordered_(settings.AlphabeticCodeGen),
+      parseImplementation_(settings.ParseImplementation) {
   setup_.Language = language;
   setup_.Templates = TCodeTemplates(settings);
   setup_.Names = ClassNamesOf(cls);
@@ -253,8 +255,18 @@ int32_t TAbstractCodeGenerator::Generate() {
 
   const std::optional<std::string> moduleText = buffers_.ReadText(moduleFile_);
   if (!moduleText) return Fail("Cannot read \"" + moduleFile_ + "\"."), -1;
-  std::unique_ptr<TClasslist> before = ParseText(Language(), moduleFile_, *moduleText);
+  // A Pascal unit is parsed as the project's model is (the implementation part only when
+  // the settings ask for it), and once more through to its end when the class is declared
+  // in the implementation part.
+  bool parseImplementation = parseImplementation_;
+  std::unique_ptr<TClasslist> before =
+      ParseText(Language(), moduleFile_, *moduleText, parseImplementation);
   TClassDescription* cls = FindClass(*before);
+  if (!cls && !parseImplementation && !IsCpp(Language())) {
+    parseImplementation = true;
+    before = ParseText(Language(), moduleFile_, *moduleText, parseImplementation);
+    cls = FindClass(*before);
+  }
   if (!cls || cls->EndLine < 0)
     return Fail("Class \"" + class_.Name + "\" was not found in \"" + moduleFile_ + "\"."), -1;
 
@@ -404,7 +416,7 @@ int32_t TAbstractCodeGenerator::Generate() {
 
   auto module = finals.find(moduleFile_);
   const std::string& moduleAfter = module == finals.end() ? *moduleText : module->second;
-  parsedList_ = ParseText(Language(), moduleFile_, moduleAfter);
+  parsedList_ = ParseText(Language(), moduleFile_, moduleAfter, parseImplementation);
   parsedClass_ = FindClass(*parsedList_);
   succeeded_ = true;
   if (focusOffset < 0) return -1;

@@ -96,6 +96,7 @@ class TAbstractCodeGenerator {
   std::string moduleFile_;          // the file that declares the class
   TInsertionSetup setup_;
   bool ordered_;
+  bool parseImplementation_;  // the Pascal parser's option of the project's model
   TCodeInsertObjectList declarations_;
   TImplementationInsertObjectList implementations_;
   TCodeInsertObject* focusObject_ = nullptr;  // the last object added, in one of the lists

@@ -215,8 +215,10 @@ void RunCase(const fs::path& dir) {
 
   // The model: the module parsed as a project would have it.
   TClasslist model;
-  ParseSourceText(LanguageOfFile(module), module, TMemoryStream(*buffers.Text(module)), model, {},
-                  nullptr);
+  TParseOptions options;
+  options.ParseImplementation = true;
+  ParseSourceText(LanguageOfFile(module), module, TMemoryStream(*buffers.Text(module)), model,
+                  options, nullptr);
   TClassDescription* cls = FindClassPath(model, Text(request.Globals, "class"));
   ASSERT_NE(cls, nullptr);
 
