@@ -30,6 +30,8 @@ void AddRegisterTypesCommand(CLI::App& app);
 void AddGotoCommand(CLI::App& app);
 /// `velmora add-field|add-method|add-property [PROJECT] --class C ...`
 void AddMemberCommands(CLI::App& app);
+/// `velmora marker insert KIND FILE:LINE [ARG] [--dry-run]`
+void AddMarkerCommand(CLI::App& app);
 /// `velmora lsp [--project FILE]`
 void AddLspCommand(CLI::App& app);
 

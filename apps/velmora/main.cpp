@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
   AddLspCommand(app);
   AddGotoCommand(app);
   AddMemberCommands(app);
+  AddMarkerCommand(app);
 
   std::vector<std::string> commands;
   for (const CLI::App* sub : app.get_subcommands({})) commands.push_back(sub->get_name());

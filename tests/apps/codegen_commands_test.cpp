@@ -131,5 +131,25 @@ TEST(CodegenCommandsTest, ARefusedCommandExitsOneAndChangesNothing) {
   }
 }
 
+TEST(CodegenCommandsTest, MarkerInsertThenPlacesTheNextImplementation) {
+  TProject p;
+  const fs::path source = p.dir.Path() / "src" / "shape.cpp";
+  const TRunResult marker =
+      RunVelmora({"marker", "insert", "class-end", source.string() + ":7", "TShape"},
+                 {"XDG_CONFIG_HOME=" + (p.dir.Path() / "config").string()});
+  ASSERT_EQ(marker.ExitCode, 0) << marker.Err;
+  EXPECT_NE(
+      ReadFile(source).find("}\r\n//ClassMarker_Method(TShape)\r\n\r\nint TShape::Area(double"),
+      std::string::npos)
+      << ReadFile(source);
+  const TRunResult r = p.Run({"add-method", "--class", "TShape", "--name", "Draw"});
+  ASSERT_EQ(r.ExitCode, 0) << r.Err;
+  EXPECT_NE(ReadFile(source).find("void TShape::Draw()\r\n{\r\n\r\n}\r\n\r\n//ClassMarker_Method"),
+            std::string::npos)
+      << ReadFile(source);
+  const TRunResult bad = RunVelmora({"marker", "insert", "class-end", source.string() + ":7"});
+  EXPECT_EQ(bad.ExitCode, 2) << "an argument is needed";
+}
+
 }  // namespace
 }  // namespace velmora
