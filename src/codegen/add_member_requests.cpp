@@ -406,19 +406,19 @@ void TAddPropertyRequest::Stage(const TClassDescription& cls, const TVLSettings&
   property->FieldType = type;
   property->Visibility = Visibility;
   property->SetIsProperty(true);
-  TPropertyDescription& spec = *property->Property;
-  spec.IndexParams = TrimmedText(Array);
-  spec.ReadSpec = CreateGet              ? GetterName()
-                  : !Trim(Reads).empty() ? TrimmedText(Reads)
-                  : (!cpp && fieldReads) ? field
-                                         : std::string();
-  spec.WriteSpec = CreateSet               ? SetterName()
-                   : !Trim(Writes).empty() ? TrimmedText(Writes)
-                   : (!cpp && fieldWrites) ? field
-                                           : std::string();
-  spec.IndexSpec = TrimmedText(Index);
-  spec.StoredSpec = TrimmedText(Stored);
-  spec.DefaultSpec = TrimmedText(Default);
+  TPropertyDescription& specifiers = *property->Property;
+  specifiers.IndexParams = TrimmedText(Array);
+  specifiers.ReadSpec = CreateGet              ? GetterName()
+                        : !Trim(Reads).empty() ? TrimmedText(Reads)
+                        : (!cpp && fieldReads) ? field
+                                               : std::string();
+  specifiers.WriteSpec = CreateSet               ? SetterName()
+                         : !Trim(Writes).empty() ? TrimmedText(Writes)
+                         : (!cpp && fieldWrites) ? field
+                                                 : std::string();
+  specifiers.IndexSpec = TrimmedText(Index);
+  specifiers.StoredSpec = TrimmedText(Stored);
+  specifiers.DefaultSpec = TrimmedText(Default);
   generator.AddProperty(*property);
   staged.Fields.push_back(std::move(property));
 
