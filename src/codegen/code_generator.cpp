@@ -100,7 +100,13 @@ std::vector<TEdit> PlaceObjects(const std::string& text,
     const int32_t target =
         InsertOffset(text, lines, object->InsertionLine, object->LineBreakBefore);
     at = std::max(at, target);
-    edits.push_back({at, 0, PieceOf(*object), object});
+    std::string piece = PieceOf(*object);
+    // At the end of a text whose last line has no line end, a piece that starts no line of
+    // its own would join that line.
+    if (!object->LineBreakBefore && at == static_cast<int32_t>(text.size()) && !text.empty() &&
+        text.back() != '\n')
+      piece.insert(0, kLineBreak);
+    edits.push_back({at, 0, std::move(piece), object});
   }
   return edits;
 }
