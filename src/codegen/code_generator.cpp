@@ -87,6 +87,7 @@ struct TEdit {
   int32_t Key;
   std::string Text;
   TCodeInsertObject* Object;
+  int32_t Lead = 0;  // characters of Text before the object's own text (line breaks)
 };
 
 // Places `objects` (their lines computed, in writing order) into `text`: an object goes at
@@ -106,7 +107,9 @@ std::vector<TEdit> PlaceObjects(const std::string& text,
     if (!object->LineBreakBefore && at == static_cast<int32_t>(text.size()) && !text.empty() &&
         text.back() != '\n')
       piece.insert(0, kLineBreak);
-    edits.push_back({at, 0, std::move(piece), object});
+    const auto lead = static_cast<int32_t>(piece.size() - object->GetText().size() -
+                                           (object->LineBreakAfter ? kLineBreak.size() : 0));
+    edits.push_back({at, 0, std::move(piece), object, lead});
   }
   return edits;
 }
@@ -393,7 +396,7 @@ int32_t TAbstractCodeGenerator::Generate() {
     for (const TEdit& e : edits) {
       if (e.Object == focusObject_ && focusObject_) {
         focusFile_ = file;
-        focusOffset = e.Offset + added + (e.Object->LineBreakBefore ? 2 : 0);
+        focusOffset = e.Offset + added + e.Lead;
       }
       added += static_cast<int32_t>(e.Text.size());
     }
