@@ -65,6 +65,12 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
   return session;
 }
 
+bool SaveWhenChanged(TBrowseSession& session) {
+  const TOpenStats& stats = session.Stats();
+  if (stats.Warm && stats.UnitsParsed == 0 && stats.IncludesParsed == 0) return true;
+  return session.Save();
+}
+
 namespace {
 
 struct TTreeOptions {

@@ -15,6 +15,10 @@ namespace velmora::app {
 std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg);
 /// `path` relative to the current folder (as given when that fails).
 std::string RelativeToCurrent(const std::string& path);
+/// Saves the class information now unless the open parsed nothing; false when the save
+/// failed (the message is printed). The session also saves when it ends; this is for a
+/// command that wants the failure before it goes on.
+bool SaveWhenChanged(TBrowseSession& session);
 /// Prints a message line the way every command does: "velmora: " and the text.
 void PrintMessage(const std::string& line);
 

@@ -26,6 +26,12 @@ void AddDumpCommand(CLI::App& app);
 void AddSettingsCommand(CLI::App& app);
 /// `velmora register-types [--icons DIR]`
 void AddRegisterTypesCommand(CLI::App& app);
+/// `velmora goto [PROJECT] CLASS[::MEMBER] [--impl|--decl] [--params TEXT] [--json]`
+void AddGotoCommand(CLI::App& app);
+/// `velmora add-field|add-method|add-property [PROJECT] --class C ...`
+void AddMemberCommands(CLI::App& app);
+/// `velmora marker insert KIND FILE:LINE [ARG] [--dry-run]`
+void AddMarkerCommand(CLI::App& app);
 /// `velmora lsp [--project FILE]`
 void AddLspCommand(CLI::App& app);
 

@@ -33,6 +33,9 @@ int main(int argc, char** argv) {
   AddSettingsCommand(app);
   AddRegisterTypesCommand(app);
   AddLspCommand(app);
+  AddGotoCommand(app);
+  AddMemberCommands(app);
+  AddMarkerCommand(app);
 
   std::vector<std::string> commands;
   for (const CLI::App* sub : app.get_subcommands({})) commands.push_back(sub->get_name());
