@@ -120,6 +120,9 @@ TEST(VelmoraCommand, ReadableTreeLeavesOutWhatANodeLacks) {
   EXPECT_NE(run.Out.find("[virtual abstract const]"), std::string::npos);
   EXPECT_NE(run.Out.find("  KilnLog/MainForm.h:15\n"), std::string::npos);
   EXPECT_NE(run.Out.find("  common/StudioDefs.h:"), std::string::npos);
+  // Standard error is a file here, not a terminal: no progress bar, no escape codes.
+  EXPECT_EQ(run.Err.find('\033'), std::string::npos) << run.Err;
+  EXPECT_EQ(run.Err.find('\r'), std::string::npos) << run.Err;
 }
 
 TEST(VelmoraCommand, WarmStartParsesOnlyWhatChanged) {
