@@ -20,6 +20,7 @@
 #include "addin/vl_manager.h"
 #include "addin/vl_manager_interface.h"
 #include "browse_session.h"
+#include "dump_inputs.h"
 #include "hosts/headless/headless_ide.h"
 #include "hosts/headless/headless_project.h"
 #include "model/class_list.h"
@@ -170,7 +171,10 @@ bool TAddInSession::Reparse(const std::string& fileName) {
   bool known = Holds(path);
   for (const TProjectUnit& unit : project_.Units)
     known = known || unit.FileName == path || unit.Header == path;
-  if (!known) return false;
+  // A folder project is every source under the folder: a new one joins it.
+  const bool inFolder = project_.Kind == TProjectKind::Folder &&
+                        path.starts_with(project_.FileName + "/") && IsSourceExtension(path);
+  if (!known && !inFolder) return false;
   struct stat st;
   if (::stat(path.c_str(), &st) != 0) {
     Manager().FileRemoved(path, true);

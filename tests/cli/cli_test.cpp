@@ -378,6 +378,18 @@ TEST(VelmoraCommand, WatchReportsClassesAsFilesChangeAndSavesOnInterrupt) {
   EXPECT_EQ(StatOf(after.Out, "units parsed"), "0") << after.Out;
 }
 
+TEST(VelmoraCommand, WatchTakesANewSourceIntoAFolderProject) {
+  TWorkDir dir;
+  CopyExamples(dir.Path());
+  TBackgroundRun watch(dir.Path(), {"watch", "KilnLog"});
+  ASSERT_TRUE(watch.WaitForErr("watching", 30s)) << watch.Err();
+  WriteFile(dir.Path() / "KilnLog/Later.h", "class TLater { int FValue; };\r\n");
+  EXPECT_TRUE(watch.WaitForOut("added class TLater  KilnLog/Later.h:1", 10s)) << watch.Out();
+  fs::remove(dir.Path() / "KilnLog/Later.h");
+  EXPECT_TRUE(watch.WaitForOut("removed class TLater", 10s)) << watch.Out();
+  EXPECT_EQ(watch.Interrupt(), 0) << watch.Err();
+}
+
 }  // namespace
 }  // namespace velmora::cli
 
