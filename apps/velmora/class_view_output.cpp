@@ -47,6 +47,12 @@ std::vector<std::string> DirectiveNames(const TMethodDescription& method) {
     // alone reads better in a list.
     std::string_view text = DirectiveText(n, method.Language);
     text = text.substr(0, text.find(" ("));
+    // C++ has no word of its own for these two bits: the parser sets them for `static`
+    // and `DYNAMIC`, so those are the words shown.
+    if (text.empty() && IsCpp(method.Language)) {
+      if (n == static_cast<int>(TDirective::ClassMethod)) text = "static";
+      if (n == static_cast<int>(TDirective::Dynamic)) text = "DYNAMIC";
+    }
     if (!text.empty()) names.emplace_back(text);
   }
   return names;
