@@ -21,22 +21,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string_view VisibilityWord(TVisibility v) {
-  switch (v) {
-    case TVisibility::Public:
-      return "public";
-    case TVisibility::Private:
-      return "private";
-    case TVisibility::Protected:
-      return "protected";
-    case TVisibility::Published:
-      return "published";
-    case TVisibility::Automated:
-      return "automated";
-  }
-  return "public";
-}
-
 /// The directives a method carries, by name, in directive order.
 std::vector<std::string> DirectiveNames(const TMethodDescription& method) {
   std::vector<std::string> names;
@@ -99,7 +83,7 @@ void RenderNode(const TClassViewNode& node, int depth, const TPathNamer& paths, 
       line += NodeKindText(node.Kind);
       line += ' ';
       if (node.HasVisibility) {
-        line += VisibilityWord(node.Visibility);
+        line += VisibilityName(node.Visibility);
         line += ' ';
       }
       line += node.Text;
@@ -149,7 +133,7 @@ Json NodeJson(const TClassViewNode& node, const TPathNamer& paths) {
     j["name"] = node.Text;
   }
   if (node.Kind != TNodeKind::Domain && node.Kind != TNodeKind::RoutineList) j["text"] = node.Text;
-  if (node.HasVisibility) j["visibility"] = std::string(VisibilityWord(node.Visibility));
+  if (node.HasVisibility) j["visibility"] = std::string(VisibilityName(node.Visibility));
   if (!node.FileName.empty()) {
     const std::string full = paths.FullPath(node.FileName);
     j["path"] = full.empty() ? node.FileName : full;

@@ -16,6 +16,10 @@ std::string_view LanguageText(TLanguage language) {
   return {};
 }
 
+std::string_view VisibilityName(TVisibility visibility) {
+  return VisibilityText(visibility, TLanguage::Pascal);
+}
+
 std::string_view VisibilityText(TVisibility visibility, TLanguage language) {
   const bool cpp = IsCpp(language);
   switch (visibility) {

@@ -80,6 +80,9 @@ enum TTextOption : unsigned {
 
 std::string_view LanguageText(TLanguage language);
 std::string_view VisibilityText(TVisibility visibility, TLanguage language);
+/// The visibility in one vocabulary whatever the language ("published", not
+/// "__published"): what views and exports show beside a member.
+std::string_view VisibilityName(TVisibility visibility);
 std::string_view MethodKindText(TMethodKind kind);
 std::string_view ClassKindText(TClassKind kind);
 /// Text of directive number `n` (0..15) in `language`; empty when that language does not

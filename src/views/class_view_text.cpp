@@ -6,23 +6,6 @@ namespace velmora {
 
 namespace {
 
-// The views speak of visibilities in one vocabulary whatever the object's language.
-std::string_view VisibilityWord(TVisibility v) {
-  switch (v) {
-    case TVisibility::Public:
-      return "public";
-    case TVisibility::Private:
-      return "private";
-    case TVisibility::Protected:
-      return "protected";
-    case TVisibility::Published:
-      return "published";
-    case TVisibility::Automated:
-      return "automated";
-  }
-  return "?";
-}
-
 std::string_view FirstLine(std::string_view text) {
   return text.substr(0, text.find_first_of("\r\n"));
 }
@@ -35,7 +18,7 @@ void RenderNodeText(const TClassViewNode& node, int depth, std::string& out) {
     out += NodeKindText(node.Kind);
     out += ' ';
     if (node.HasVisibility) {
-      out += VisibilityWord(node.Visibility);
+      out += VisibilityName(node.Visibility);
       out += ' ';
     }
   }
