@@ -71,8 +71,7 @@ TClassBrowserExpert::TClassBrowserExpert() : menuItems_(kVLMenuRecordCount) {
     if (RegisterFileTypesHook) RegisterFileTypesHook();
     manager_ = CreateManager();
     VLManager = manager_.get();
-    // No setting asks for the last project's class information at start: the manager
-    // loads a project's class information when the project opens.
+    StartUpManager();
   } catch (...) {
     // The destructor will not run: nothing the IDE holds may point into this object.
     if (addInNotifier_ && ToolServices) ToolServices->RemoveNotifier(addInNotifier_.Get());
@@ -182,12 +181,26 @@ void TClassBrowserExpert::OnMenuClick(TVLMenuCommand command) {
   if (command == TVLMenuCommand::Options || command == TVLMenuCommand::BrowseBack) UpdateMenu();
 }
 
-void TClassBrowserExpert::FileOpened(const std::string& fileName) {
-  moduleList_->Watch(fileName);
+// The class information loaded at start. The settings name no last project whose class
+// information would be loaded here: a project's own is loaded by the manager when the
+// project opens. What the settings do name is the external files' class information
+// ("Use" and "ClassInfoFile" of the external files), loaded when it is there.
+void TClassBrowserExpert::StartUpManager() {
+  if (!manager_ || !settings_) return;
+  if (settings_->UseExternals && !settings_->ClassInfoFile.empty() &&
+      FileExists(settings_->ClassInfoFile))
+    manager_->StartUpExternals(settings_->ClassInfoFile);
 }
 
-void TClassBrowserExpert::FileClosing(const std::string& /*fileName*/) {
-  // The module notifier hears of the close itself and leaves the list then.
+void TClassBrowserExpert::FileOpened(const std::string& fileName) {
+  moduleList_->Watch(fileName);
+  if (manager_) manager_->FileOpened(fileName);
+}
+
+void TClassBrowserExpert::FileClosing(const std::string& fileName) {
+  // The module notifier hears of the close itself and leaves the list then; the manager
+  // stops reading the file's buffer.
+  if (manager_) manager_->FileClosing(fileName);
 }
 
 void TClassBrowserExpert::ProjectStart(const std::string& projectFile, bool saved) {

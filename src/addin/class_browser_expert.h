@@ -73,6 +73,8 @@ class TClassBrowserExpert : public TIExpert {
 
  private:
   void BuildMenu();
+  /// The manager's start-up: the class information the settings ask for at start.
+  void StartUpManager();
   void OnMenuClick(TVLMenuCommand command);
   /// Clears the project's state; `updateMenu` runs the menu update afterwards.
   void CloseProjectState(bool updateMenu);
