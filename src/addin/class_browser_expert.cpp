@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "addin/addin_notifiers.h"
+#include "addin/editor_file_info_list.h"
 #include "addin/entry.h"
 #include "addin/tool_services.h"
 #include "addin/vl_manager_interface.h"
@@ -64,6 +65,8 @@ TClassBrowserExpert::TClassBrowserExpert() : menuItems_(kVLMenuRecordCount) {
     VLSettings = settings_.get();
     settings_->Load(*store_);
     moduleList_ = std::make_unique<TCommonModuleList>(*this);
+    fileInfos_ = std::make_unique<TEditorFileInfoList>();
+    EditorFileInfos = fileInfos_.get();
     BuildMenu();
     addInNotifier_ = TIRef<TAddInNotifier>(new TAddInNotifier(*this));
     if (ToolServices) ToolServices->AddNotifier(addInNotifier_.Get());
@@ -77,6 +80,7 @@ TClassBrowserExpert::TClassBrowserExpert() : menuItems_(kVLMenuRecordCount) {
     if (addInNotifier_ && ToolServices) ToolServices->RemoveNotifier(addInNotifier_.Get());
     VLManager = nullptr;
     VLSettings = nullptr;
+    EditorFileInfos = nullptr;
     MarkSplash(1);
     throw;
   }
@@ -103,6 +107,8 @@ TClassBrowserExpert::~TClassBrowserExpert() {
   settings_.reset();
   VLSettings = nullptr;
   moduleList_.reset();
+  EditorFileInfos = nullptr;
+  fileInfos_.reset();
   if (ClassBrowserExpert == this) ClassBrowserExpert = nullptr;
 }
 
@@ -194,12 +200,14 @@ void TClassBrowserExpert::StartUpManager() {
 
 void TClassBrowserExpert::FileOpened(const std::string& fileName) {
   moduleList_->Watch(fileName);
+  fileInfos_->Record(fileName);
   if (manager_) manager_->FileOpened(fileName);
 }
 
 void TClassBrowserExpert::FileClosing(const std::string& fileName) {
   // The module notifier hears of the close itself and leaves the list then; the manager
   // stops reading the file's buffer.
+  fileInfos_->Forget(fileName);
   if (manager_) manager_->FileClosing(fileName);
 }
 

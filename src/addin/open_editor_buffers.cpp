@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "addin/editor_file_info_list.h"
 #include "addin/editor_streams.h"
 #include "ide/editor.h"
 #include "ide/module.h"
@@ -29,7 +30,10 @@ bool TOpenEditorBuffers::Holds(const std::string& fileName) const {
 void TOpenEditorBuffers::Snapshot() {
   for (size_t i = files_.size(); i-- > 0;) {
     std::string text;
-    if (ide_.IsFileOpen(files_[i]) && ReadBuffer(files_[i], text))
+    const bool open = ide_.IsFileOpen(files_[i]);
+    // An editor left behind by a change on disk is brought up to the file first.
+    if (open && EditorFileInfos) EditorFileInfos->ReloadIfStale(ide_, files_[i]);
+    if (open && ReadBuffer(files_[i], text))
       sources_.SetBuffer(files_[i], std::move(text));
     else
       Forget(i);

@@ -252,3 +252,41 @@ TEST(ExternalFilesThreads, AProjectBringsBackTheViewsItsSettingsRecordAsOpen) {
 
 }  // namespace
 }  // namespace velmora
+
+namespace velmora {
+namespace {
+
+// A file changed on disk behind an open editor: an editor with no changes of its own is
+// reloaded before the parse reads it; one with unsaved changes keeps them.
+TEST(ExternalFilesThreads, AnEditorLeftBehindByAChangeOnDiskIsReloadedUnlessEdited) {
+  const struct {
+    const char* Name;
+    bool Edited;
+    const char* Expected;
+  } rows[] = {
+      {.Name = "unchanged editor", .Edited = false, .Expected = "TOnDisk"},
+      {.Name = "edited editor", .Edited = true, .Expected = "TInEditor"},
+  };
+  for (const auto& row : rows) {
+    TManagedAddIn f;
+    f.OpenKiln();
+    const std::string header = f.Write("KilnLog/Extra.h", "class TFirst { int A; };\r\n");
+    f.ide.AddToProject(header);
+    ASSERT_TRUE(f.ide.OpenFile(header)) << row.Name;
+    if (row.Edited) {
+      ASSERT_TRUE(f.ide.SetBufferText(header, "class TInEditor { int A; };\r\n")) << row.Name;
+    }
+    f.Write("KilnLog/Extra.h", "class TOnDisk { int A; int B; };\r\n");
+    std::filesystem::last_write_time(
+        header, std::filesystem::last_write_time(header) + std::chrono::seconds(5));
+    f.manager()->FileAdded(header);
+    f.manager()->WaitUntilIdle();
+    EXPECT_NE(f.FindClass(row.Expected), nullptr) << row.Name;
+    EXPECT_EQ(f.FindClass("TFirst"), nullptr) << row.Name;
+    const std::string buffer = f.ide.Buffer(header)->Text;
+    EXPECT_NE(buffer.find(row.Expected), std::string::npos) << row.Name << ": " << buffer;
+  }
+}
+
+}  // namespace
+}  // namespace velmora
