@@ -13,6 +13,16 @@
 // - FileSaved + FileAdded (the expert, when a module is saved): the file is parsed again,
 //   its unit's records updated in place and what the source no longer declares swept.
 // - FileRemoved / FileRenamed / ProjectClosed / ProjectRenamed as their comments say.
+// - The external files: StartUpExternals (the expert, at the add-in's start, when the
+//   settings use them) loads the external class information; AddExternalFiles,
+//   RemoveExternalFile and UpdateExternalFiles change the external model through the
+//   same jobs, and it is saved after each (and, if still unsaved, when the manager goes)
+//   unless the settings' "Save" of the external files is off. A project change cancels
+//   every job but queues the external files that were on their way again.
+// - The parses read what the IDE's editors hold (FileOpened / FileClosing from the
+//   expert): the open buffers are copied for the parses when each job starts.
+// - Command brings up the named display form entry of a view or dialog (DisplayForms);
+//   a host shows the window of that name.
 // - Every parse is a request of the manager's parse queue (one worker per core unless
 //   told otherwise); its result comes back to the main thread through the IDE's
 //   main-thread queue and is merged there, unless its job was cancelled or is of an
