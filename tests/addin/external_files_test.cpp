@@ -290,3 +290,28 @@ TEST(ExternalFilesThreads, AnEditorLeftBehindByAChangeOnDiskIsReloadedUnlessEdit
 
 }  // namespace
 }  // namespace velmora
+
+namespace velmora {
+namespace {
+
+// An external file saved in the IDE is parsed again into the external model, not the
+// project's, and the external class information is saved again.
+TEST(ExternalFilesThreads, ASavedExternalFileIsParsedAgainIntoTheExternalModel) {
+  TManagedAddIn f;
+  f.OpenKiln();
+  const std::string widgets = WriteExternals(f);
+  f.manager()->AddExternalFiles({widgets});
+  f.manager()->WaitUntilIdle();
+  ASSERT_TRUE(f.ide.OpenFile(widgets));
+  ASSERT_TRUE(f.ide.SetBufferText(widgets, "class TSprocket {\r\n  int Teeth;\r\n};\r\n"));
+  ASSERT_TRUE(f.ide.SaveFile(widgets));
+  f.manager()->WaitUntilIdle();
+  EXPECT_EQ(Names(f.manager()->ExternalClasses()), (std::set<std::string>{"TBase", "TSprocket"}));
+  EXPECT_EQ(f.FindClass("TSprocket"), nullptr);
+  EXPECT_NE(f.FindClass("TFormMain"), nullptr);
+  f.Restart();
+  EXPECT_EQ(Names(f.manager()->ExternalClasses()), (std::set<std::string>{"TBase", "TSprocket"}));
+}
+
+}  // namespace
+}  // namespace velmora
