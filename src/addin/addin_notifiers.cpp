@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "addin/class_browser_expert.h"
+#include "addin/editor_file_info_list.h"
 #include "addin/tool_services.h"
 #include "addin/vl_manager_interface.h"
 #include "ide/tool_services.h"
@@ -75,12 +76,15 @@ void TCommonModuleNotifier::Notify(TModuleNotification code, TIModule& module) {
       case TModuleNotification::ModuleRenamed: {
         const std::string newName = module.FileName();
         if (newName != fileName_) {
+          if (EditorFileInfos) EditorFileInfos->Forget(fileName_);
           if (VLManager) VLManager->FileRenamed(fileName_, newName);
           fileName_ = newName;
         }
         break;
       }
       case TModuleNotification::ModuleSaved:
+        // The editor and its file match again.
+        if (EditorFileInfos) EditorFileInfos->Record(fileName_);
         if (VLManager) {
           VLManager->FileSaved(fileName_);
           VLManager->FileAdded(fileName_);

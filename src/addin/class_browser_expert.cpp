@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "addin/addin_notifiers.h"
+#include "addin/editor_file_info_list.h"
 #include "addin/entry.h"
 #include "addin/tool_services.h"
 #include "addin/vl_manager_interface.h"
@@ -64,6 +65,8 @@ TClassBrowserExpert::TClassBrowserExpert() : menuItems_(kVLMenuRecordCount) {
     VLSettings = settings_.get();
     settings_->Load(*store_);
     moduleList_ = std::make_unique<TCommonModuleList>(*this);
+    fileInfos_ = std::make_unique<TEditorFileInfoList>();
+    EditorFileInfos = fileInfos_.get();
     BuildMenu();
     addInNotifier_ = TIRef<TAddInNotifier>(new TAddInNotifier(*this));
     if (ToolServices) ToolServices->AddNotifier(addInNotifier_.Get());
@@ -71,13 +74,13 @@ TClassBrowserExpert::TClassBrowserExpert() : menuItems_(kVLMenuRecordCount) {
     if (RegisterFileTypesHook) RegisterFileTypesHook();
     manager_ = CreateManager();
     VLManager = manager_.get();
-    // No setting asks for the last project's class information at start: the manager
-    // loads a project's class information when the project opens.
+    StartUpManager();
   } catch (...) {
     // The destructor will not run: nothing the IDE holds may point into this object.
     if (addInNotifier_ && ToolServices) ToolServices->RemoveNotifier(addInNotifier_.Get());
     VLManager = nullptr;
     VLSettings = nullptr;
+    EditorFileInfos = nullptr;
     MarkSplash(1);
     throw;
   }
@@ -104,6 +107,8 @@ TClassBrowserExpert::~TClassBrowserExpert() {
   settings_.reset();
   VLSettings = nullptr;
   moduleList_.reset();
+  EditorFileInfos = nullptr;
+  fileInfos_.reset();
   if (ClassBrowserExpert == this) ClassBrowserExpert = nullptr;
 }
 
@@ -182,12 +187,28 @@ void TClassBrowserExpert::OnMenuClick(TVLMenuCommand command) {
   if (command == TVLMenuCommand::Options || command == TVLMenuCommand::BrowseBack) UpdateMenu();
 }
 
-void TClassBrowserExpert::FileOpened(const std::string& fileName) {
-  moduleList_->Watch(fileName);
+// The class information loaded at start. The settings name no last project whose class
+// information would be loaded here: a project's own is loaded by the manager when the
+// project opens. What the settings do name is the external files' class information
+// ("Use" and "ClassInfoFile" of the external files), loaded when it is there.
+void TClassBrowserExpert::StartUpManager() {
+  if (!manager_ || !settings_) return;
+  if (settings_->UseExternals && !settings_->ClassInfoFile.empty() &&
+      FileExists(settings_->ClassInfoFile))
+    manager_->StartUpExternals(settings_->ClassInfoFile);
 }
 
-void TClassBrowserExpert::FileClosing(const std::string& /*fileName*/) {
-  // The module notifier hears of the close itself and leaves the list then.
+void TClassBrowserExpert::FileOpened(const std::string& fileName) {
+  moduleList_->Watch(fileName);
+  fileInfos_->Record(fileName);
+  if (manager_) manager_->FileOpened(fileName);
+}
+
+void TClassBrowserExpert::FileClosing(const std::string& fileName) {
+  // The module notifier hears of the close itself and leaves the list then; the manager
+  // stops reading the file's buffer.
+  fileInfos_->Forget(fileName);
+  if (manager_) manager_->FileClosing(fileName);
 }
 
 void TClassBrowserExpert::ProjectStart(const std::string& projectFile, bool saved) {

@@ -18,6 +18,7 @@ namespace velmora {
 
 class TAddInNotifier;
 class TCommonModuleList;
+class TEditorFileInfoList;
 class TIMenuItem;
 class TIModule;
 class TProjectNotifier;
@@ -73,6 +74,8 @@ class TClassBrowserExpert : public TIExpert {
 
  private:
   void BuildMenu();
+  /// The manager's start-up: the class information the settings ask for at start.
+  void StartUpManager();
   void OnMenuClick(TVLMenuCommand command);
   /// Clears the project's state; `updateMenu` runs the menu update afterwards.
   void CloseProjectState(bool updateMenu);
@@ -83,6 +86,8 @@ class TClassBrowserExpert : public TIExpert {
   TIRef<TAddInNotifier> addInNotifier_;  ///< registered with the IDE
   bool active_ = false;                  ///< set first; menu building, updates and shutdown need it
   std::unique_ptr<TCommonModuleList> moduleList_;
+  /// Each open editor's file as it was when they last matched (EditorFileInfos).
+  std::unique_ptr<TEditorFileInfoList> fileInfos_;
   std::string projectFile_;                ///< "" while no project is open
   std::vector<std::string> projectFiles_;  ///< the project's sources, no duplicates
   TIRef<TIModule> projectModule_;          ///< set while a project notifier is attached

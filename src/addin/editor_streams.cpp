@@ -1,5 +1,6 @@
 #include "addin/editor_streams.h"
 
+#include "addin/editor_file_info_list.h"
 #include "addin/tool_services.h"
 #include "ide/editor.h"
 #include "ide/module.h"
@@ -27,9 +28,11 @@ void Acquire(const std::string& fileName, bool openIfNeeded, TIRef<TIModule>& mo
   if (openIfNeeded && !ide->IsFileOpen(fileName)) {
     // A file that cannot be opened is found to have no module below.
     ide->OpenFile(fileName);
+  } else if (openIfNeeded && EditorFileInfos) {
+    // An open editor whose file changed on disk since it was loaded shows old text: it
+    // is reloaded first (the IDE keeps an editor that holds changes of its own).
+    EditorFileInfos->ReloadIfStale(*ide, fileName);
   }
-  // An open file is taken as the IDE has it: no per-file record says its buffer went
-  // stale, so there is nothing to reload it for.
   module = TIRef<TIModule>(ide->GetModule(fileName));
   if (!module) return;
   editor = TIRef<TIEditor>(EditorOfFile(*module, fileName));

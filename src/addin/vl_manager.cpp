@@ -7,9 +7,11 @@
 #include <set>
 
 #include "addin/class_browser_expert.h"
+#include "addin/display_form_entries.h"
 #include "addin/idle_thread.h"
 #include "addin/include_path.h"
 #include "addin/model_view_listener.h"
+#include "addin/open_editor_buffers.h"
 #include "addin/tool_services.h"
 #include "addin/vl_thread_list.h"
 #include "ide/main_thread_queue.h"
@@ -19,7 +21,9 @@
 #include "model/files.h"
 #include "parsing/parse_merge.h"
 #include "parsing/parse_queue.h"
+#include "parsing/source_provider.h"
 #include "settings/project_settings.h"
+#include "settings/settings_paths.h"
 #include "settings/vl_settings.h"
 #include "support/ansi.h"
 #include "support/paths.h"
@@ -65,6 +69,8 @@ struct TVLManager::TState {
   TState(TIToolServices& ideServices, TVLManagerOptions opts)
       : ide(ideServices),
         options(std::move(opts)),
+        buffers(options.Sources ? *options.Sources : DiskSources()),
+        openBuffers(ide, buffers),
         jobs([this](TVLManagerThread& job) { JobFinished(job); },
              [this](TVLManagerThread& job) { StartJob(job); }) {
     projectClasses.Files = &projectFiles;
@@ -73,6 +79,9 @@ struct TVLManager::TState {
 
   TIToolServices& ide;
   const TVLManagerOptions options;
+  /// What the parses read: the IDE's open buffers, in front of options.Sources.
+  TEditorBufferSources buffers;
+  TOpenEditorBuffers openBuffers;
 
   // The order of the model's fields: the project's lists, then the external files'.
   TClasslist projectClasses;
@@ -103,6 +112,18 @@ struct TVLManager::TState {
   /// that is gone must find out without touching it.
   std::shared_ptr<TState*> alive = std::make_shared<TState*>(this);
   std::unique_ptr<TIdleThread> idleThread;
+  TDisplayFormEntries forms;
+  TCommandHandler commandHandler;
+  /// Where the external model was loaded from and is saved to; "" until StartUpExternals
+  /// or the first save, which then take the settings' "ClassInfoFile".
+  std::string externalClassInfoFile;
+  /// The load message of damaged external class information, "" when none.
+  std::string externalLoadMessage;
+  /// The external model changed since it was loaded or saved.
+  bool externalsDirty = false;
+  /// Root files of the external jobs not yet finished, by job id: a project change
+  /// cancels every job, and these are queued again after it.
+  std::vector<std::pair<uint64_t, std::vector<std::string>>> externalJobs;
   /// Last: made after everything its results reach, destroyed (workers joined) first.
   std::unique_ptr<TParseQueue> queue;
 
@@ -141,7 +162,24 @@ struct TVLManager::TState {
       stats.FilesQueued += static_cast<int>(job->FilesToProcess.size());
       current.FilesTotal += static_cast<int>(job->FilesToProcess.size());
     }
-    return jobs.AddJob(std::move(job));
+    std::vector<std::string> roots;
+    if (target == TVLJobTarget::External) roots = job->FilesToProcess;
+    TVLManagerThread* queued = jobs.AddJob(std::move(job));
+    if (target == TVLJobTarget::External) externalJobs.emplace_back(queued->Id, std::move(roots));
+    return queued;
+  }
+
+  /// Cancels every job; the external files that were on their way are queued again, so
+  /// that a project change does not lose them.
+  void CancelAllKeepingExternals() {
+    std::vector<std::string> again;
+    for (auto& [id, roots] : externalJobs)
+      for (std::string& root : roots)
+        if (std::find(again.begin(), again.end(), root) == again.end())
+          again.push_back(std::move(root));
+    externalJobs.clear();
+    jobs.CancelAll();
+    if (!again.empty()) QueueJob(std::move(again), TVLJobTarget::External, true, false);
   }
 
   TParseJobOptions JobOptions() const {
@@ -167,6 +205,8 @@ struct TVLManager::TState {
       PostToMain([id = job.Id](TState& state) { state.Finish(id); });
       return;
     }
+    // The parses read what the editors hold now, unsaved changes included.
+    openBuffers.Snapshot();
     const TParseJobOptions parseOptions = JobOptions();
     std::vector<std::string> headers;
     for (const std::string& file : files)
@@ -237,14 +277,22 @@ struct TVLManager::TState {
           file = files.Add(std::move(added));
         }
         file->FileDate = FileDateOf(path);
-        file->FileFlags &= static_cast<uint16_t>(~kFileChanged);
+        // Text parsed from an editor may differ from the file its date is of: the next
+        // warm open parses it again.
+        if (openBuffers.Holds(path))
+          file->FileFlags |= kFileChanged;
+        else
+          file->FileFlags &= static_cast<uint16_t>(~kFileChanged);
         file->Valid = true;
         job.ProcessedFiles.push_back(path);
         if (path != ToPosixSeparators(root)) job.FoundFiles.push_back(path);
       }
     }
     viewsStale = true;
-    if (!project) return;
+    if (!project) {
+      externalsDirty = true;
+      return;
+    }
     ++stats.FilesParsed;
     stats.IncludesParsed += std::max(0, static_cast<int>(fileCount) - 1);
     ++current.FilesParsed;
@@ -253,6 +301,7 @@ struct TVLManager::TState {
   }
 
   void Finish(uint64_t id) {
+    std::erase_if(externalJobs, [id](const auto& entry) { return entry.first == id; });
     TVLManagerThread* job = jobs.FindStarted(id);
     if (job) jobs.JobCompleted(*job);  // calls JobFinished when the job is current
     if (viewsStale) RefreshViews();
@@ -266,6 +315,105 @@ struct TVLManager::TState {
                          job.FoundFiles.end());
     if (job.UpdateViews || viewsStale) RefreshViews();
     if (job.FullParse && job.Target == TVLJobTarget::Project && options.SaveClassInfo) Save();
+    if (job.Target == TVLJobTarget::External && SaveExternalsWanted()) SaveExternals();
+  }
+
+  /// Brings back the views that were open when the project was last closed, as its
+  /// settings recorded them (loaded by the expert before the project reaches here).
+  void PlaceViews() {
+    if (!VLSettings) return;
+    const TCurrentProjectSettings& p = VLSettings->ProjectSettings();
+    const std::pair<const char*, const TProjectWindowSettings*> windows[] = {
+        {"ClassView", &p.ClassViewWindow},
+        {"ClassHierarchy", &p.ClassHierarchyWindow},
+        {"ContextBar", &p.ContextBarWindow},
+        {"BrowseHistory", &p.BrowseHistoryWindow},
+    };
+    for (const auto& [name, window] : windows)
+      if (window->Statesaved && window->Visible) forms.BringUp(name);
+  }
+
+  // ---- the external files' model ----
+  /// The settings' "Save" of the external files; on when there are no settings.
+  static bool SaveExternalsWanted() { return !VLSettings || VLSettings->SaveExternals; }
+
+  /// The settings' "ClassInfoFile", or its default when there are no settings.
+  static std::string SettingsExternalClassInfoFile() {
+    if (VLSettings && !VLSettings->ClassInfoFile.empty()) return VLSettings->ClassInfoFile;
+    return JoinPath(VelmoraDataDir(), "external.cinfo");
+  }
+
+  const std::string& ExternalFileName() {
+    if (externalClassInfoFile.empty()) externalClassInfoFile = SettingsExternalClassInfoFile();
+    return externalClassInfoFile;
+  }
+
+  /// Loads the external class information; damaged information is reported with the
+  /// load message and leaves the external lists empty, to be parsed again by the user.
+  bool LoadExternals(const std::string& file) {
+    externalClassInfoFile = file;
+    externalLoadMessage.clear();
+    TModelFileOutcome outcome;
+    {
+      std::lock_guard lock(externalClasses.Lock);
+      externalClasses.Clear();
+      externalFiles.Clear();
+      outcome = LoadClassInfoFileReported(file, externalFiles, externalClasses);
+      if (!outcome.Ok) {
+        externalClasses.Clear();
+        externalFiles.Clear();
+      }
+      externalMerger.Rescan();
+    }
+    externalsDirty = false;
+    viewsStale = true;
+    if (outcome.Ok) return true;
+    externalLoadMessage = outcome.Message;
+    ide.ReportException(outcome.Message);
+    return false;
+  }
+
+  bool SaveExternals() {
+    const std::string& file = ExternalFileName();
+    // The folder under the user's data folder may not be there yet on a first start.
+    // A folder that cannot be made fails the save below, which reports it.
+    if (const std::string folder(ExtractFilePath(file)); !folder.empty()) MakeDirectories(folder);
+    TModelFileOutcome outcome;
+    {
+      std::lock_guard lock(externalClasses.Lock);
+      outcome = SaveClassInfoFileReported(file, externalFiles, externalClasses);
+    }
+    if (!outcome.Ok) {
+      ide.ReportException(outcome.Message);
+      return false;
+    }
+    externalsDirty = false;
+    return true;
+  }
+
+  /// The external files a re-parse starts from: every file of the external model that
+  /// no other external file includes (those are reached again through their includers).
+  std::vector<std::string> ExternalRoots() {
+    std::lock_guard lock(externalClasses.Lock);
+    std::set<std::string> included;
+    for (int i = 0; i < externalClasses.Includes.Count(); ++i) {
+      const TIncludeUnit& entry = *externalClasses.Includes.Items(i);
+      for (int j = 0; j < entry.IncludedNames.Count(); ++j)
+        included.insert(AnsiUpperCase(ToPosixSeparators(entry.IncludedNames.Strings(j))));
+    }
+    std::vector<std::string> roots;
+    for (int i = 0; i < externalFiles.Count(); ++i) {
+      const std::string path = externalFiles.Items(i)->FullName();
+      if (!included.contains(AnsiUpperCase(path))) roots.push_back(path);
+    }
+    return roots;
+  }
+
+  bool IsExternalFile(const std::string& fileName) {
+    const std::string path = ToPosixSeparators(fileName);
+    std::lock_guard lock(externalClasses.Lock);
+    return externalFiles.FindFull(ExtractFilePath(path), ExtractFileName(path)) != nullptr &&
+           projectFiles.FindFull(ExtractFilePath(path), ExtractFileName(path)) == nullptr;
   }
 
   // ---- the project's model ----
@@ -349,26 +497,32 @@ struct TVLManager::TState {
 
   /// Takes one file's records out of the project's model. The caller holds the lock.
   void RemoveFile(const std::string& fileName) {
+    RemoveFileFrom(fileName, projectClasses, projectFiles, projectMerger);
+  }
+
+  /// Takes one file's records out of a model. The caller holds the class list's lock.
+  void RemoveFileFrom(const std::string& fileName, TClasslist& classes, TFilesList& files,
+                      TParseMerger& merger) {
     const std::string path = ToPosixSeparators(fileName);
     const std::string name(ExtractFileName(path));
     FileRemoving(fileName);
-    projectClasses.Mark(name, false);
-    projectClasses.Sweep(false, name);
+    classes.Mark(name, false);
+    classes.Sweep(false, name);
     // The walker keys a root's include entry by the root's path as it was given.
-    projectClasses.Includes.Remove(fileName);
-    projectClasses.Includes.Remove(path);
-    for (int i = projectFiles.Count() - 1; i >= 0; --i) {
-      const TFileDescription* file = projectFiles.Items(i);
+    classes.Includes.Remove(fileName);
+    classes.Includes.Remove(path);
+    for (int i = files.Count() - 1; i >= 0; --i) {
+      const TFileDescription* file = files.Items(i);
       if (SameText(file->FullName(), path) ||
           (SameText(file->GetName(), name) && ExtractFilePath(path).empty()))
-        projectFiles.Delete(i);
+        files.Delete(i);
     }
-    projectMerger.Rescan();
+    merger.Rescan();
     viewsStale = true;
   }
 
   void CloseProject() {
-    jobs.CancelAll();
+    CancelAllKeepingExternals();
     if (!projectFile.empty() && options.SaveClassInfo) Save();
     ClearProject();
     projectFile.clear();
@@ -388,6 +542,7 @@ TVLManager::TVLManager(TIToolServices& ide, TVLManagerOptions options)
   // runs. The queue lives no longer than the manager, the main-thread queue longer.
   std::weak_ptr<TState*> weak = s_->alive;
   TMainThreadQueue* mainQueue = &ide.MainThreadQueue();
+  queueOptions.Sources = &s_->buffers;
   s_->queue = std::make_unique<TParseQueue>(
       [weak, mainQueue](TParseResult result) {
         mainQueue->Post([weak, result = std::make_shared<TParseResult>(std::move(result))] {
@@ -409,6 +564,7 @@ TVLManager::~TVLManager() {
   s_->queue.reset();
   s_->alive.reset();
   if (!s_->projectFile.empty() && s_->options.SaveClassInfo) s_->Save();
+  if (s_->externalsDirty && TState::SaveExternalsWanted()) s_->SaveExternals();
   s_->idleThread.reset();
   if (instance == this) instance = nullptr;
 }
@@ -428,7 +584,7 @@ void TVLManager::ProjectChanged(const std::string& projectFile,
   TState& s = *s_;
   // A job of the project before (or of this one before it was saved) must not reach the
   // model that is about to be built.
-  s.jobs.CancelAll();
+  s.CancelAllKeepingExternals();
   if (!s.projectFile.empty() && s.options.SaveClassInfo) s.Save();
   s.ClearProject();
   s.projectFile = projectFile;
@@ -442,6 +598,7 @@ void TVLManager::ProjectChanged(const std::string& projectFile,
   std::vector<std::string> toParse =
       s.stats.OpenKind == TVLOpenKind::Warm ? s.OutOfDate(files) : files;
   s.RefreshViews();
+  s.PlaceViews();
   s.QueueJob(std::move(toParse), TVLJobTarget::Project, true, true);
 }
 
@@ -457,7 +614,11 @@ void TVLManager::ProjectRenamed(const std::string& newName) {
 }
 
 void TVLManager::FileAdded(const std::string& fileName) {
-  s_->QueueJob({fileName}, TVLJobTarget::Project, false, false);
+  // A saved external file (one the project does not have) is parsed into the external
+  // model it came from.
+  const TVLJobTarget target =
+      s_->IsExternalFile(fileName) ? TVLJobTarget::External : TVLJobTarget::Project;
+  s_->QueueJob({fileName}, target, false, false);
 }
 
 void TVLManager::FileRemoved(const std::string& fileName, bool updateViews) {
@@ -470,9 +631,15 @@ void TVLManager::FileRemoved(const std::string& fileName, bool updateViews) {
 
 void TVLManager::FileSaved(const std::string& fileName) {
   const std::string path = ToPosixSeparators(fileName);
-  std::lock_guard lock(s_->projectClasses.Lock);
+  {
+    std::lock_guard lock(s_->projectClasses.Lock);
+    if (TFileDescription* file =
+            s_->projectFiles.FindFull(ExtractFilePath(path), ExtractFileName(path)))
+      file->FileFlags |= kFileChanged;
+  }
+  std::lock_guard lock(s_->externalClasses.Lock);
   if (TFileDescription* file =
-          s_->projectFiles.FindFull(ExtractFilePath(path), ExtractFileName(path)))
+          s_->externalFiles.FindFull(ExtractFilePath(path), ExtractFileName(path)))
     file->FileFlags |= kFileChanged;
 }
 
@@ -481,8 +648,68 @@ void TVLManager::FileRenamed(const std::string& oldName, const std::string& newN
   FileAdded(newName);
 }
 
-void TVLManager::Command(TVLMenuCommand /*command*/) {
-  // The views that the commands bring up are not there yet.
+void TVLManager::Command(TVLMenuCommand command) {
+  const std::string_view form = FormNameOf(command);
+  if (!form.empty()) s_->forms.BringUp(form);
+  if (s_->commandHandler) s_->commandHandler(command);
+}
+
+void TVLManager::StartUpExternals(const std::string& classInfoFile) {
+  s_->LoadExternals(classInfoFile);
+  s_->RefreshViews();
+}
+
+void TVLManager::FileOpened(const std::string& fileName) {
+  s_->openBuffers.Opened(fileName);
+}
+
+void TVLManager::FileClosing(const std::string& fileName) {
+  s_->openBuffers.Closing(fileName);
+}
+
+bool TVLManager::LoadExternals(const std::string& classInfoFile) {
+  const bool ok = s_->LoadExternals(classInfoFile);
+  s_->RefreshViews();
+  return ok;
+}
+
+void TVLManager::AddExternalFiles(const std::vector<std::string>& files) {
+  if (files.empty()) return;
+  s_->QueueJob(files, TVLJobTarget::External, true, false);
+}
+
+void TVLManager::RemoveExternalFile(const std::string& fileName) {
+  {
+    std::lock_guard lock(s_->externalClasses.Lock);
+    s_->RemoveFileFrom(fileName, s_->externalClasses, s_->externalFiles, s_->externalMerger);
+  }
+  s_->externalsDirty = true;
+  s_->RefreshViews();
+  if (TState::SaveExternalsWanted()) s_->SaveExternals();
+}
+
+void TVLManager::UpdateExternalFiles() {
+  AddExternalFiles(s_->ExternalRoots());
+}
+
+bool TVLManager::SaveExternals() {
+  return s_->SaveExternals();
+}
+
+const std::string& TVLManager::ExternalClassInfoFile() const {
+  return s_->ExternalFileName();
+}
+
+const std::string& TVLManager::ExternalLoadMessage() const {
+  return s_->externalLoadMessage;
+}
+
+TDisplayFormEntries& TVLManager::DisplayForms() {
+  return s_->forms;
+}
+
+void TVLManager::SetCommandHandler(TCommandHandler handler) {
+  s_->commandHandler = std::move(handler);
 }
 
 TClasslist& TVLManager::ProjectClasses() {
@@ -523,6 +750,7 @@ std::vector<std::string> TVLManager::IncludePath() const {
 }
 
 void TVLManager::CancelAllJobs() {
+  s_->externalJobs.clear();
   s_->jobs.CancelAll();
 }
 void TVLManager::SetDiscardResults(bool discard) {

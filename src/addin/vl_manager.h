@@ -13,6 +13,16 @@
 // - FileSaved + FileAdded (the expert, when a module is saved): the file is parsed again,
 //   its unit's records updated in place and what the source no longer declares swept.
 // - FileRemoved / FileRenamed / ProjectClosed / ProjectRenamed as their comments say.
+// - The external files: StartUpExternals (the expert, at the add-in's start, when the
+//   settings use them) loads the external class information; AddExternalFiles,
+//   RemoveExternalFile and UpdateExternalFiles change the external model through the
+//   same jobs, and it is saved after each (and, if still unsaved, when the manager goes)
+//   unless the settings' "Save" of the external files is off. A project change cancels
+//   every job but queues the external files that were on their way again.
+// - The parses read what the IDE's editors hold (FileOpened / FileClosing from the
+//   expert): the open buffers are copied for the parses when each job starts.
+// - Command brings up the named display form entry of a view or dialog (DisplayForms);
+//   a host shows the window of that name.
 // - Every parse is a request of the manager's parse queue (one worker per core unless
 //   told otherwise); its result comes back to the main thread through the IDE's
 //   main-thread queue and is merged there, unless its job was cancelled or is of an
@@ -34,6 +44,7 @@
 namespace velmora {
 
 class TClasslist;
+class TDisplayFormEntries;
 class TFilesList;
 class TIToolServices;
 class TIdleThread;
@@ -115,8 +126,45 @@ class TVLManager : public TVLManagerInterface {
   /// Marks the file changed; the FileAdded that follows parses it again.
   void FileSaved(const std::string& fileName) override;
   void FileRenamed(const std::string& oldName, const std::string& newName) override;
-  /// The views' commands look for their view; none is made yet.
+  /// A command that brings up a view or dialog finds its entry among DisplayForms (or
+  /// makes it) and brings it up; then the command handler hears of the command.
   void Command(TVLMenuCommand command) override;
+  /// LoadExternals at the add-in's start.
+  void StartUpExternals(const std::string& classInfoFile) override;
+  /// The file's buffer is what parses read from the next job on.
+  void FileOpened(const std::string& fileName) override;
+  void FileClosing(const std::string& fileName) override;
+
+  // ---- the external files ----
+  /// Replaces the external model with what `classInfoFile` holds; it is saved there from
+  /// now on. Damaged or missing information is reported (ExternalLoadMessage) and leaves
+  /// the external model empty; false then.
+  bool LoadExternals(const std::string& classInfoFile);
+  /// Queues a job that parses the files (and what they include) into the external model;
+  /// when it is merged the external class information is saved (unless the settings'
+  /// "Save" of the external files is off).
+  void AddExternalFiles(const std::vector<std::string>& files);
+  /// Takes the file's records out of the external model and saves it.
+  void RemoveExternalFile(const std::string& fileName);
+  /// Parses every external file again (those no other external file includes, and so
+  /// what they include).
+  void UpdateExternalFiles();
+  /// Saves the external model to ExternalClassInfoFile now; false (the message reported
+  /// through the IDE) when it cannot be written.
+  bool SaveExternals();
+  /// Where the external model is saved: the file it was loaded from, else the settings'
+  /// "ClassInfoFile".
+  const std::string& ExternalClassInfoFile() const;
+  /// The message the last load of external class information gave, "" when it loaded.
+  const std::string& ExternalLoadMessage() const;
+
+  // ---- display forms ----
+  /// The views and dialogs the commands brought up; a host shows them (SetHandler).
+  TDisplayFormEntries& DisplayForms();
+  using TCommandHandler = std::function<void(TVLMenuCommand)>;
+  /// Called on the main thread after each command; for hosts that carry out the
+  /// commands without a form (quick find, browse back, the markers).
+  void SetCommandHandler(TCommandHandler handler);
 
   // ---- the model ----
   TClasslist& ProjectClasses();

@@ -53,6 +53,14 @@ class TVLManagerInterface {
   virtual void FileSaved(const std::string& fileName) = 0;
   virtual void FileRenamed(const std::string& oldName, const std::string& newName) = 0;
   virtual void Command(TVLMenuCommand command) = 0;
+  /// Loads the external files' class information saved in `classInfoFile` (the
+  /// add-in's start). A manager without an external model ignores it.
+  virtual void StartUpExternals(const std::string& /*classInfoFile*/) {}
+  /// A file was opened in the IDE: its editor buffer, unsaved changes included, is what
+  /// the parses read from now on.
+  virtual void FileOpened(const std::string& /*fileName*/) {}
+  /// The file's editor is closing: the parses read the file on disk again.
+  virtual void FileClosing(const std::string& /*fileName*/) {}
 };
 
 /// Makes the manager when the expert starts; may return nullptr.

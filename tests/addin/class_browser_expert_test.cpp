@@ -45,6 +45,9 @@ class TRecordingManager : public TVLManagerInterface {
   void Command(TVLMenuCommand command) override {
     Log("Command " + std::to_string(static_cast<int>(command)));
   }
+  void StartUpExternals(const std::string& file) override { Log("StartUpExternals " + Base(file)); }
+  void FileOpened(const std::string& file) override { Log("FileOpened " + Base(file)); }
+  void FileClosing(const std::string& file) override { Log("FileClosing " + Base(file)); }
 
  private:
   static std::string Base(const std::string& f) {
@@ -57,7 +60,8 @@ class TRecordingManager : public TVLManagerInterface {
 /// A headless IDE with the add-in loaded, its settings in a scratch folder and its
 /// manager writing into `log`.
 struct TLoadedAddIn {
-  explicit TLoadedAddIn(bool withManager = true) : env("XDG_CONFIG_HOME", dir.path) {
+  explicit TLoadedAddIn(bool withManager = true)
+      : env("XDG_CONFIG_HOME", dir.path), dataEnv("XDG_DATA_HOME", dir / "data") {
     TClassBrowserExpert::RegisterFileTypesHook = nullptr;
     if (withManager)
       SetManagerFactory([this] { return std::make_unique<TRecordingManager>(log); });
@@ -99,6 +103,7 @@ struct TLoadedAddIn {
 
   TScratch dir;
   TEnv env;
+  TEnv dataEnv;
   std::vector<std::string> log;
   THeadlessIDE ide;
   bool loaded = false;
@@ -228,6 +233,7 @@ TEST(ClassBrowserExpertTest, FileAndProjectNotificationsReachTheManager) {
 
   EXPECT_EQ(addIn.log, (std::vector<std::string>{
                            "ProjectChanged demo.bpr a.cpp",
+                           "FileOpened a.cpp",
                            "FileSaved a.cpp",
                            "FileAdded a.cpp",
                            "FileSaved a.cpp",
@@ -242,6 +248,7 @@ TEST(ClassBrowserExpertTest, FileAndProjectNotificationsReachTheManager) {
                            // Saved under the new name: the old one closes, the new starts.
                            "ProjectClosed",
                            "ProjectChanged other.bpr a.cpp",
+                           "FileClosing c.cpp",
                            "ProjectClosed",
                        }));
   ASSERT_NE(ClassBrowserExpert, nullptr);
@@ -291,7 +298,8 @@ TEST(ClassBrowserExpertTest, ShutdownTakesTheMenuOutAndSavesTheSettings) {
   // Nothing of the add-in is called any more.
   addIn.ide.SaveFile(a);
   addIn.ide.CloseProject();
-  EXPECT_EQ(addIn.log, (std::vector<std::string>{"ProjectChanged demo.bpr a.cpp"}));
+  EXPECT_EQ(addIn.log,
+            (std::vector<std::string>{"ProjectChanged demo.bpr a.cpp", "FileOpened a.cpp"}));
   EXPECT_TRUE(FileExists(addIn.dir / "velmora/registry.ini"));
 }
 
@@ -335,6 +343,51 @@ TEST(ClassBrowserExpertTest, FileNotificationsOtherThanTheFiveAreIgnored) {
   }
   EXPECT_TRUE(addIn.log.empty());
   EXPECT_EQ(ClassBrowserExpert->ProjectFiles(), (std::vector<std::string>{a}));
+}
+
+}  // namespace
+}  // namespace velmora
+
+namespace velmora {
+namespace {
+
+// The external class information is loaded at start, after the manager is made and
+// before any project, only when the settings' external files are in use and the file
+// they name is there.
+TEST(ClassBrowserExpertTest, StartUpLoadsTheExternalClassInformationTheSettingsName) {
+  const struct {
+    const char* Name;
+    bool FileThere;
+    bool UseExternals;
+    std::vector<std::string> Log;
+  } rows[] = {
+      {.Name = "there and used",
+       .FileThere = true,
+       .UseExternals = true,
+       .Log = {"StartUpExternals external.cinfo", "ProjectChanged demo.bpr a.cpp"}},
+      {.Name = "missing",
+       .FileThere = false,
+       .UseExternals = true,
+       .Log = {"ProjectChanged demo.bpr a.cpp"}},
+      {.Name = "not used",
+       .FileThere = true,
+       .UseExternals = false,
+       .Log = {"ProjectChanged demo.bpr a.cpp"}},
+  };
+  for (const auto& row : rows) {
+    TLoadedAddIn addIn;
+    VLSettings->UseExternals = row.UseExternals;
+    addIn.ide.UnloadAddIns();  // the settings are saved
+    if (row.FileThere) {
+      std::filesystem::create_directories(addIn.dir / "data/velmora");
+      addIn.dir.Write("data/velmora/external.cinfo", "any");
+    }
+    addIn.log.clear();
+    ASSERT_TRUE(addIn.ide.LoadAddIn(&INITEXPERT0017)) << row.Name;
+    const std::string a = addIn.dir.Write("a.cpp", "");
+    addIn.ide.OpenProject(addIn.dir.Write("demo.bpr", ""), {a});
+    EXPECT_EQ(addIn.log, row.Log) << row.Name;
+  }
 }
 
 }  // namespace

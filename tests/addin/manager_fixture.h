@@ -54,7 +54,9 @@ inline const std::vector<std::string> kKilnLogUnits = {
 
 struct TManagedAddIn {
   explicit TManagedAddIn(TVLManagerOptions options = {.Threads = 2})
-      : config(dir / "config"), configEnv("XDG_CONFIG_HOME", config) {
+      : config(dir / "config"),
+        configEnv("XDG_CONFIG_HOME", config),
+        dataEnv("XDG_DATA_HOME", dir / "data") {
     std::filesystem::create_directories(config);
     std::filesystem::copy(std::string(VELMORA_SOURCE_DIR) + "/examples", dir.path,
                           std::filesystem::copy_options::recursive);
@@ -79,6 +81,16 @@ struct TManagedAddIn {
   }
 
   TVLManager* manager() const { return TVLManager::Instance(); }
+
+  /// Releases the add-in and loads it again, as the next start of the IDE would.
+  void Restart() {
+    if (manager()) manager()->RemoveView(&listener);
+    view.reset();
+    ide.UnloadAddIns();
+    loaded = ide.LoadAddIn(&INITEXPERT0017);
+  }
+  /// The external class information file of a first start.
+  std::string ExternalClassInfo() const { return dir / "data/velmora/external.cinfo"; }
 
   std::string KilnLog(const std::string& name = "") const {
     return dir / ("KilnLog" + (name.empty() ? std::string() : "/" + name));
@@ -129,6 +141,8 @@ struct TManagedAddIn {
   TScratch dir;
   std::string config;
   TEnvVar configEnv;
+  /// The external class information goes here, never to the user's own.
+  TEnvVar dataEnv;
   THeadlessIDE ide;
   bool loaded = false;
   // Made after the expert (it needs the settings), gone before it.
