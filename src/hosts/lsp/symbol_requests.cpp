@@ -1,0 +1,275 @@
+// The outline of a document and the workspace symbol search.
+#include <algorithm>
+
+#include "hosts/lsp/code_requests.h"
+#include "model/class_list.h"
+#include "parsing/implementation_locator.h"
+#include "parsing/source_parser.h"
+#include "support/paths.h"
+
+namespace velmora::lsp {
+namespace {
+
+// One node of the outline, in buffer offsets until it is written out.
+struct TNode {
+  std::string Name;
+  std::string Detail;
+  int Kind = skClass;
+  int64_t From = 0, To = 0;          // the whole declaration
+  int64_t NameFrom = 0, NameTo = 0;  // the name, inside [From, To)
+  std::string Container;
+  std::vector<TNode> Children;
+};
+
+std::string Detail(TVisibility visibility, TLanguage language, const std::string& declaration) {
+  std::string text(VisibilityText(visibility, language));
+  if (!text.empty() && !declaration.empty()) text += ' ';
+  return text + declaration;
+}
+
+TNode NodeOf(const std::string& text, const TCodeObject& object, int kind, std::string detail) {
+  TNode node;
+  node.Name = object.Name;
+  node.Kind = kind;
+  node.Detail = std::move(detail);
+  node.NameFrom = NameOffsetOf(text, object);
+  node.NameTo = node.NameFrom + static_cast<int64_t>(object.Name.find('[') == std::string::npos
+                                                         ? object.Name.size()
+                                                         : object.Name.find('['));
+  node.From = std::min<int64_t>(std::max<int32_t>(object.StartOffset, 0), node.NameFrom);
+  node.To = DeclarationEnd(object, node.NameFrom);
+  return node;
+}
+
+void SortAndEnclose(TNode& node) {
+  std::sort(node.Children.begin(), node.Children.end(),
+            [](const TNode& a, const TNode& b) { return a.From < b.From; });
+  for (TNode& child : node.Children) {
+    SortAndEnclose(child);
+    // A member the parser placed past its class's recorded end still belongs inside it.
+    node.From = std::min(node.From, child.From);
+    node.To = std::max(node.To, child.To);
+  }
+}
+
+TNode ClassNode(const std::string& text, TClassDescription& cls) {
+  TNode node = NodeOf(text, cls, KindOfClass(cls), cls.GetHeader());
+  if (cls.OwnerList && cls.OwnerList->OuterClass) node.Container = cls.OwnerList->OuterClass->Name;
+  if (TCommonClassList* nested = cls.NestedClassesIfAny())
+    for (int i = 0; i < nested->Count(); ++i)
+      node.Children.push_back(ClassNode(text, *nested->Items(i)));
+  for (int i = 0; i < cls.Fields.Count(); ++i) {
+    const TFieldDescription& f = *cls.Fields.Items(i);
+    TNode child = NodeOf(text, f, f.IsProperty ? skProperty : skField,
+                         Detail(f.Visibility, f.Language, f.GetDeclaration(0)));
+    child.Container = cls.Name;
+    node.Children.push_back(std::move(child));
+  }
+  for (int i = 0; i < cls.Methods.Count(); ++i) {
+    const TMethodDescription& m = *cls.Methods.Items(i);
+    TNode child =
+        NodeOf(text, m, KindOfMethod(m), Detail(m.Visibility, m.Language, m.GetDeclaration(0)));
+    child.Container = cls.Name;
+    node.Children.push_back(std::move(child));
+  }
+  return node;
+}
+
+bool IsImplementationFile(const std::string& path) {
+  return LanguageOfFile(path) == TLanguage::Cpp && !IsHeaderFile(path);
+}
+
+// The method bodies of a C++ source file, grouped under their class in runs: a class whose
+// bodies are interleaved with another's appears once per run, so no group's range holds
+// another group's body.
+std::vector<TNode> BodyGroups(TModelView view, const std::string& path, const std::string& text) {
+  std::vector<const TFileModel*> declaring;
+  if (const TFileModel* own = view.Model.File(path)) declaring.push_back(own);
+  const std::string_view ext = ExtractFileExt(path);
+  const std::string stem = path.substr(0, path.size() - ext.size());
+  for (const char* headerExt : {".h", ".hpp", ".hxx", ".H"})
+    if (const TFileModel* header = view.Model.File(stem + headerExt)) declaring.push_back(header);
+  struct TBody {
+    int64_t Offset;
+    TClassDescription* Class;
+    TMethodDescription* Method;
+  };
+  std::vector<TBody> bodies;
+  for (const TFileModel* file : declaring) {
+    std::vector<TClassDescription*> classes;
+    for (int i = 0; i < file->Classes->Count(); ++i) classes.push_back(file->Classes->Items(i));
+    for (std::size_t c = 0; c < classes.size(); ++c) {
+      TClassDescription* cls = classes[c];
+      if (TCommonClassList* nested = cls->NestedClassesIfAny())
+        for (int i = 0; i < nested->Count(); ++i) classes.push_back(nested->Items(i));
+      for (int i = 0; i < cls->Methods.Count(); ++i) {
+        TMethodDescription* m = cls->Methods.Items(i);
+        int32_t offset = -1;
+        if (LocateImplementationOffset(text, false, cls, offset, *m) && offset >= 0)
+          bodies.push_back({offset, cls, m});
+      }
+    }
+  }
+  std::sort(bodies.begin(), bodies.end(),
+            [](const TBody& a, const TBody& b) { return a.Offset < b.Offset; });
+  std::vector<TNode> groups;
+  for (const TBody& body : bodies) {
+    int64_t lineEnd = static_cast<int64_t>(text.find('\r', static_cast<std::size_t>(body.Offset)));
+    if (lineEnd < 0) lineEnd = static_cast<int64_t>(text.size());
+    TNode node;
+    node.Name = body.Method->Name;
+    node.Kind = KindOfMethod(*body.Method);
+    node.Detail = body.Method->GetDisplayText(toShowArguments);
+    node.Container = body.Class->Name;
+    node.From = body.Offset;
+    node.To = lineEnd;
+    const int64_t qualified = FindWord(text, body.Class->Name, body.Offset, lineEnd, true);
+    int64_t name = FindWord(text, body.Method->Name, qualified < 0 ? body.Offset : qualified + 1,
+                            lineEnd, true);
+    if (name < 0) name = body.Offset;
+    node.NameFrom = name;
+    node.NameTo = std::min<int64_t>(lineEnd, name + static_cast<int64_t>(body.Method->Name.size()));
+    if (groups.empty() || groups.back().Name != body.Class->Name) {
+      TNode group;
+      group.Name = body.Class->Name;
+      group.Kind = KindOfClass(*body.Class);
+      group.Detail = "implementation";
+      group.From = body.Offset;
+      group.NameFrom = qualified < 0 ? node.NameFrom : qualified;
+      group.NameTo =
+          qualified < 0 ? node.NameTo : qualified + static_cast<int64_t>(body.Class->Name.size());
+      groups.push_back(std::move(group));
+    }
+    groups.back().To = node.To;
+    groups.back().Children.push_back(std::move(node));
+  }
+  return groups;
+}
+
+json Hierarchical(TSourceTexts& texts, const std::string& path, const TNode& node) {
+  json symbol = {{"name", node.Name},
+                 {"kind", node.Kind},
+                 {"range", texts.Range(path, node.From, node.To)},
+                 {"selectionRange", texts.Range(path, node.NameFrom, node.NameTo)}};
+  if (!node.Detail.empty()) symbol["detail"] = node.Detail;
+  if (!node.Children.empty()) {
+    json children = json::array();
+    for (const TNode& child : node.Children) children.push_back(Hierarchical(texts, path, child));
+    symbol["children"] = std::move(children);
+  }
+  return symbol;
+}
+
+void Flat(TSourceTexts& texts, const std::string& path, const TNode& node, json& out) {
+  json symbol = {{"name", node.Name},
+                 {"kind", node.Kind},
+                 {"location", texts.Location(path, node.From, node.To)}};
+  if (!node.Container.empty()) symbol["containerName"] = node.Container;
+  out.push_back(std::move(symbol));
+  for (const TNode& child : node.Children) Flat(texts, path, child, out);
+}
+
+// How well `name` matches the folded query: lower is better, -1 no match. A prefix beats a
+// substring, which beats letters found in order; shorter names win ties.
+int MatchScore(const std::string& folded, std::string_view query) {
+  if (query.empty()) return 3;
+  if (folded.compare(0, query.size(), query) == 0) return folded.size() == query.size() ? 0 : 1;
+  if (folded.find(query) != std::string::npos) return 2;
+  std::size_t q = 0;
+  for (char c : folded)
+    if (c == query[q] && ++q == query.size()) return 3;
+  return -1;
+}
+
+}  // namespace
+
+int64_t NameOffsetOf(const std::string& text, const TCodeObject& object) {
+  const int64_t start = std::max<int32_t>(object.StartOffset, 0);
+  const int64_t end = object.EndOffset > start ? object.EndOffset + 1 : start + 4096;
+  // An array property's name carries its index ("Items[int Index]"); the word is before.
+  const std::string_view name = std::string_view(object.Name).substr(0, object.Name.find('['));
+  const int64_t at = FindWord(text, name, start, end, object.IsCpp());
+  return at < 0 ? start : at;
+}
+
+int64_t DeclarationEnd(const TCodeObject& object, int64_t nameOffset) {
+  return std::max<int64_t>(object.EndOffset >= 0 ? object.EndOffset + 1 : 0,
+                           nameOffset + static_cast<int64_t>(object.Name.size()));
+}
+
+json DocumentSymbols(TModelView view, const std::string& path, bool hierarchical) {
+  json out = json::array();
+  const TFileModel* file = view.Model.File(path);
+  const std::string* text = view.Texts.Text(path);
+  if (!text) return out;
+  std::vector<TNode> nodes;
+  if (file) {
+    for (int i = 0; i < file->Classes->Count(); ++i)
+      nodes.push_back(ClassNode(*text, *file->Classes->Items(i)));
+    for (int i = 0; i < file->Classes->Routines.Count(); ++i) {
+      const TProcDescription& r = *file->Classes->Routines.Items(i);
+      if (!SameName(ExtractFileName(r.FileName), ExtractFileName(path), TLanguage::Pascal) &&
+          !r.FileName.empty())
+        continue;
+      nodes.push_back(NodeOf(*text, r, skFunction, r.GetDeclaration(0)));
+    }
+  }
+  if (IsImplementationFile(path))
+    for (TNode& group : BodyGroups(view, path, *text)) nodes.push_back(std::move(group));
+  TNode root;
+  root.Children = std::move(nodes);
+  SortAndEnclose(root);
+  for (const TNode& node : root.Children) {
+    if (hierarchical)
+      out.push_back(Hierarchical(view.Texts, path, node));
+    else
+      Flat(view.Texts, path, node, out);
+  }
+  return out;
+}
+
+json WorkspaceSymbols(TModelView view, std::string_view query, std::size_t limit) {
+  const std::string folded = FoldName(query);
+  struct THit {
+    int Score;
+    const TSymbolEntry* Entry;
+    const TFileModel* File;
+  };
+  std::vector<THit> hits;
+  for (const auto& [path, file] : view.Model.Files())
+    for (const TSymbolEntry& entry : file->Symbols)
+      if (const int score = MatchScore(entry.Folded, folded); score >= 0)
+        hits.push_back({score, &entry, file.get()});
+  const auto better = [](const THit& a, const THit& b) {
+    if (a.Score != b.Score) return a.Score < b.Score;
+    // A class before its constructor of the same name.
+    if ((a.Entry->Kind == skConstructor) != (b.Entry->Kind == skConstructor))
+      return b.Entry->Kind == skConstructor;
+    if (a.Entry->Name.size() != b.Entry->Name.size())
+      return a.Entry->Name.size() < b.Entry->Name.size();
+    return a.Entry->Name < b.Entry->Name;
+  };
+  const std::size_t keep = std::min(limit, hits.size());
+  std::partial_sort(hits.begin(), hits.begin() + static_cast<std::ptrdiff_t>(keep), hits.end(),
+                    better);
+  json out = json::array();
+  for (std::size_t i = 0; i < keep; ++i) {
+    const THit& hit = hits[i];
+    // Positions from the file's line table: reading a hundred files to count UTF-16 units
+    // would cost more than the search; the column is in bytes, exact for ASCII lines.
+    const int line = hit.File->LineOf(hit.Entry->Offset);
+    const int character =
+        hit.Entry->Offset < 0 ? 0 : hit.Entry->Offset - hit.File->LineStarts[line];
+    const json position = {{"line", line}, {"character", character}};
+    json symbol = {{"name", hit.Entry->Name},
+                   {"kind", hit.Entry->Kind},
+                   {"location",
+                    {{"uri", UriFromPath(hit.File->Path)},
+                     {"range", {{"start", position}, {"end", position}}}}}};
+    if (!hit.Entry->Container.empty()) symbol["containerName"] = hit.Entry->Container;
+    out.push_back(std::move(symbol));
+  }
+  return out;
+}
+
+}  // namespace velmora::lsp
