@@ -165,18 +165,36 @@ std::vector<TClassRef> TCodeModel::DirectDescendants(const TClassDescription& cl
 }
 
 std::vector<TClassRef> TCodeModel::AllDescendants(const TClassDescription& cls) const {
+  // One pass over the model for the children of every name, then a walk down from `cls`:
+  // asking DirectDescendants for each class met would scan the model once per class.
+  std::unordered_map<std::string, std::vector<TClassRef>> children;
+  for (const auto& [name, refs] : classes_)
+    for (const TClassRef& r : refs)
+      for (const TClassAncestor& a : r.Class->Ancestors.Items)
+        children[FoldName(a.AncestorName)].push_back(r);
   std::vector<TClassRef> result;
   std::set<const TClassDescription*> seen{&cls};
   std::vector<const TClassDescription*> frontier{&cls};
   // Breadth first, so nearer descendants come first; a cycle stops at a class already seen.
   while (!frontier.empty()) {
     std::vector<const TClassDescription*> next;
-    for (const TClassDescription* c : frontier)
-      for (const TClassRef& d : DirectDescendants(*c))
-        if (seen.insert(d.Class).second) {
+    for (const TClassDescription* c : frontier) {
+      const auto it = children.find(FoldName(c->Name));
+      if (it == children.end()) continue;
+      std::vector<TClassRef> direct = it->second;
+      std::sort(direct.begin(), direct.end(), [](const TClassRef& a, const TClassRef& b) {
+        return a.Class->Name < b.Class->Name;
+      });
+      for (const TClassRef& d : direct) {
+        bool named = false;  // a C++ ancestor is named in its own letter case
+        for (const TClassAncestor& a : d.Class->Ancestors.Items)
+          named |= SameName(a.AncestorName, c->Name, c->Language);
+        if (named && seen.insert(d.Class).second) {
           result.push_back(d);
           next.push_back(d.Class);
         }
+      }
+    }
     frontier = std::move(next);
   }
   return result;

@@ -24,9 +24,9 @@ struct TModelView {
   const std::vector<std::string>& SourceFiles;
 };
 
-/// DocumentSymbol[] when `hierarchical`, else SymbolInformation[]; [] for a file the
-/// model does not hold.
-json DocumentSymbols(TModelView view, const std::string& path, bool hierarchical);
+/// DocumentSymbol[] when `hierarchical`, else SymbolInformation[], as JSON text; [] for a
+/// file that cannot be read.
+std::string DocumentSymbols(TModelView view, const std::string& path, bool hierarchical);
 /// SymbolInformation[]: classes and members whose name holds the query's letters in order
 /// (case-insensitive), best matches first, at most `limit`.
 json WorkspaceSymbols(TModelView view, std::string_view query, std::size_t limit);

@@ -74,7 +74,8 @@ TCodeServer::TCodeServer(TLspServer& server, TServerOptions options, TCodeServer
     : server_(server), options_(std::move(options)), inline_(codeOptions.Inline) {
   TParseDriver::TDeliver deliver = [this](TParsedFile parsed) { Deliver(std::move(parsed)); };
   if (inline_)
-    driver_ = std::make_unique<TInlineParseDriver>([this](TParsedFile parsed) { Merged(parsed); });
+    driver_ = std::make_unique<TInlineParseDriver>(
+        [this](TParsedFile parsed) { Merged(std::move(parsed)); });
   else if (codeOptions.Driver)
     driver_ = codeOptions.Driver(std::move(deliver));
   else
@@ -115,7 +116,8 @@ void TCodeServer::BindRequests() {
     if (path.empty()) return json::array();
     EnsureParsed(path);
     return withView([&](TModelView view) {
-      return DocumentSymbols(view, path, server_.Client().HierarchicalSymbols);
+      return TDispatcher::RawResult(
+          DocumentSymbols(view, path, server_.Client().HierarchicalSymbols));
     });
   });
   d.OnRequest("workspace/symbol", [withView](const json& params) {
@@ -226,14 +228,13 @@ void TCodeServer::ProjectRead(std::string file, std::vector<std::string> parse,
 
 void TCodeServer::Deliver(TParsedFile parsed) {
   auto shared = std::make_shared<TParsedFile>(std::move(parsed));
-  server_.Post([this, shared] { Merged(*shared); });
+  server_.Post([this, shared] { Merged(std::move(*shared)); });
 }
 
-void TCodeServer::Merged(const TParsedFile& parsed) {
-  TParsedFile& result = const_cast<TParsedFile&>(parsed);
-  const std::string path = result.Path;
-  if (!result.Ok) server_.Log(1, "cannot read " + path + ": " + result.Error);
-  model_.Merge(std::move(result));
+void TCodeServer::Merged(TParsedFile parsed) {
+  const std::string path = parsed.Path;
+  if (!parsed.Ok) server_.Log(1, "cannot read " + path + ": " + parsed.Error);
+  model_.Merge(std::move(parsed));
   if (awaiting_.erase(path) == 0) return;
   if (awaiting_.empty())
     Progress("end");

@@ -59,7 +59,7 @@ class TCodeServer {
   void ProjectRead(std::string file, std::vector<std::string> parse,
                    std::vector<std::string> sources, std::vector<std::string> warnings);
   void Deliver(TParsedFile parsed);
-  void Merged(const TParsedFile& parsed);
+  void Merged(TParsedFile parsed);
   void DocumentChanged(const std::string& path);
   void FilesChanged(const json& params);
   void Progress(const char* kind);

@@ -6,36 +6,36 @@
 
 namespace velmora::lsp {
 
-TSourceTexts::TEntry* TSourceTexts::Find(const std::string& path) {
+const TBufferText* TSourceTexts::Find(const std::string& path) {
   auto it = entries_.find(path);
   if (it == entries_.end()) {
-    std::unique_ptr<TEntry> entry;
-    std::optional<std::string> text;
+    std::shared_ptr<const TBufferText> entry;
     if (const TDocument* doc = documents_.FindByPath(path))
-      text = ToBufferForm(doc->Text);
-    else
-      text = ReadSourceTextFromDisk(path);
-    if (text) {
-      entry = std::make_unique<TEntry>();
-      entry->Text = std::move(*text);
-      entry->Lines = std::make_unique<TLineIndex>(entry->Text);
-    }
+      entry = doc->Buffer();
+    else if (std::optional<std::string> text = ReadSourceTextFromDisk(path))
+      entry = std::make_shared<const TBufferText>(std::move(*text));
     it = entries_.emplace(path, std::move(entry)).first;
   }
   return it->second.get();
 }
 
 const std::string* TSourceTexts::Text(const std::string& path) {
-  TEntry* entry = Find(path);
+  const TBufferText* entry = Find(path);
   return entry ? &entry->Text : nullptr;
 }
 
-json TSourceTexts::Range(const std::string& path, int64_t from, int64_t to) {
+std::pair<TLspPosition, TLspPosition> TSourceTexts::Span(const std::string& path, int64_t from,
+                                                         int64_t to) {
   TLspPosition start, end;
-  if (TEntry* entry = Find(path)) {
-    start = entry->Lines->ToLsp(std::max<int64_t>(from, 0), encoding_);
-    end = entry->Lines->ToLsp(std::max(from, to), encoding_);
+  if (const TBufferText* entry = Find(path)) {
+    start = entry->Lines.ToLsp(std::max<int64_t>(from, 0), encoding_);
+    end = entry->Lines.ToLsp(std::max(from, to), encoding_);
   }
+  return {start, end};
+}
+
+json TSourceTexts::Range(const std::string& path, int64_t from, int64_t to) {
+  const auto [start, end] = Span(path, from, to);
   return {{"start", {{"line", start.Line}, {"character", start.Character}}},
           {"end", {{"line", end.Line}, {"character", end.Character}}}};
 }
@@ -45,8 +45,8 @@ json TSourceTexts::Location(const std::string& path, int64_t from, int64_t to) {
 }
 
 int64_t TSourceTexts::Offset(const std::string& path, TLspPosition position) {
-  TEntry* entry = Find(path);
-  return entry ? entry->Lines->FromLsp(position, encoding_) : -1;
+  const TBufferText* entry = Find(path);
+  return entry ? entry->Lines.FromLsp(position, encoding_) : -1;
 }
 
 TSourceTextReader TSourceTexts::Reader() {
@@ -54,6 +54,39 @@ TSourceTextReader TSourceTexts::Reader() {
     if (const std::string* text = Text(path)) return *text;
     return std::nullopt;
   };
+}
+
+void AppendJsonString(std::string& out, std::string_view text) {
+  bool plain = true;
+  for (char c : text)
+    if (static_cast<unsigned char>(c) < 0x20 || static_cast<unsigned char>(c) >= 0x80 || c == '"' ||
+        c == '\\') {
+      plain = false;
+      break;
+    }
+  if (!plain) {
+    // The rare name with escapes or bytes past ASCII goes the library's careful way.
+    out += json(std::string(text)).dump(-1, ' ', false, json::error_handler_t::replace);
+    return;
+  }
+  out += '"';
+  out += text;
+  out += '"';
+}
+
+void AppendJsonRange(std::string& out, std::pair<TLspPosition, TLspPosition> range) {
+  const auto position = [&out](TLspPosition p) {
+    out += R"({"line":)";
+    out += std::to_string(p.Line);
+    out += R"(,"character":)";
+    out += std::to_string(p.Character);
+    out += '}';
+  };
+  out += R"({"start":)";
+  position(range.first);
+  out += R"(,"end":)";
+  position(range.second);
+  out += '}';
 }
 
 int64_t FindWord(const std::string& text, std::string_view name, int64_t from, int64_t to,

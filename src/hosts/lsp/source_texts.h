@@ -26,6 +26,8 @@ class TSourceTexts {
   /// The protocol's range of [from, to) in `path` ({0,0} positions when unreadable).
   json Range(const std::string& path, int64_t from, int64_t to);
   json Location(const std::string& path, int64_t from, int64_t to);
+  /// The same range as positions, for answers written as text.
+  std::pair<TLspPosition, TLspPosition> Span(const std::string& path, int64_t from, int64_t to);
   /// A client position in `path` as a buffer offset; -1 when unreadable.
   int64_t Offset(const std::string& path, TLspPosition position);
   /// Open documents first, then the disk: what the code finders search.
@@ -33,16 +35,18 @@ class TSourceTexts {
   TPositionEncoding Encoding() const { return encoding_; }
 
  private:
-  struct TEntry {
-    std::string Text;
-    std::unique_ptr<TLineIndex> Lines;
-  };
-  TEntry* Find(const std::string& path);
+  const TBufferText* Find(const std::string& path);
 
   const TDocumentStore& documents_;
   TPositionEncoding encoding_;
-  std::map<std::string, std::unique_ptr<TEntry>> entries_;  ///< null entry: unreadable
+  /// By path; a null entry: unreadable.
+  std::map<std::string, std::shared_ptr<const TBufferText>> entries_;
 };
+
+/// Appends `text` as a JSON string; bytes that are not UTF-8 come out as U+FFFD.
+void AppendJsonString(std::string& out, std::string_view text);
+/// Appends {"start":{...},"end":{...}}.
+void AppendJsonRange(std::string& out, std::pair<TLspPosition, TLspPosition> range);
 
 /// Whether `c` may stand in an identifier.
 inline bool IsIdentChar(char c) {

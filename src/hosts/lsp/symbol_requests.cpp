@@ -146,27 +146,51 @@ std::vector<TNode> BodyGroups(TModelView view, const std::string& path, const st
   return groups;
 }
 
-json Hierarchical(TSourceTexts& texts, const std::string& path, const TNode& node) {
-  json symbol = {{"name", node.Name},
-                 {"kind", node.Kind},
-                 {"range", texts.Range(path, node.From, node.To)},
-                 {"selectionRange", texts.Range(path, node.NameFrom, node.NameTo)}};
-  if (!node.Detail.empty()) symbol["detail"] = node.Detail;
-  if (!node.Children.empty()) {
-    json children = json::array();
-    for (const TNode& child : node.Children) children.push_back(Hierarchical(texts, path, child));
-    symbol["children"] = std::move(children);
+// Written as text: a unit of thousands of routines makes an answer of megabytes, which
+// costs more to build and free as JSON values than to find.
+void Hierarchical(TSourceTexts& texts, const std::string& path, const TNode& node,
+                  std::string& out) {
+  out += R"({"name":)";
+  AppendJsonString(out, node.Name);
+  out += R"(,"kind":)";
+  out += std::to_string(node.Kind);
+  if (!node.Detail.empty()) {
+    out += R"(,"detail":)";
+    AppendJsonString(out, node.Detail);
   }
-  return symbol;
+  out += R"(,"range":)";
+  AppendJsonRange(out, texts.Span(path, node.From, node.To));
+  out += R"(,"selectionRange":)";
+  AppendJsonRange(out, texts.Span(path, node.NameFrom, node.NameTo));
+  if (!node.Children.empty()) {
+    out += R"(,"children":[)";
+    for (std::size_t i = 0; i < node.Children.size(); ++i) {
+      if (i) out += ',';
+      Hierarchical(texts, path, node.Children[i], out);
+    }
+    out += ']';
+  }
+  out += '}';
 }
 
-void Flat(TSourceTexts& texts, const std::string& path, const TNode& node, json& out) {
-  json symbol = {{"name", node.Name},
-                 {"kind", node.Kind},
-                 {"location", texts.Location(path, node.From, node.To)}};
-  if (!node.Container.empty()) symbol["containerName"] = node.Container;
-  out.push_back(std::move(symbol));
-  for (const TNode& child : node.Children) Flat(texts, path, child, out);
+void Flat(TSourceTexts& texts, const std::string& path, const std::string& uri, const TNode& node,
+          std::string& out) {
+  if (out.size() > 1) out += ',';
+  out += R"({"name":)";
+  AppendJsonString(out, node.Name);
+  out += R"(,"kind":)";
+  out += std::to_string(node.Kind);
+  out += R"(,"location":{"uri":)";
+  AppendJsonString(out, uri);
+  out += R"(,"range":)";
+  AppendJsonRange(out, texts.Span(path, node.From, node.To));
+  out += '}';
+  if (!node.Container.empty()) {
+    out += R"(,"containerName":)";
+    AppendJsonString(out, node.Container);
+  }
+  out += '}';
+  for (const TNode& child : node.Children) Flat(texts, path, uri, child, out);
 }
 
 // How well `name` matches the folded query: lower is better, -1 no match. A prefix beats a
@@ -197,11 +221,10 @@ int64_t DeclarationEnd(const TCodeObject& object, int64_t nameOffset) {
                            nameOffset + static_cast<int64_t>(object.Name.size()));
 }
 
-json DocumentSymbols(TModelView view, const std::string& path, bool hierarchical) {
-  json out = json::array();
+std::string DocumentSymbols(TModelView view, const std::string& path, bool hierarchical) {
   const TFileModel* file = view.Model.File(path);
   const std::string* text = view.Texts.Text(path);
-  if (!text) return out;
+  if (!text) return "[]";
   std::vector<TNode> nodes;
   if (file) {
     for (int i = 0; i < file->Classes->Count(); ++i)
@@ -219,12 +242,18 @@ json DocumentSymbols(TModelView view, const std::string& path, bool hierarchical
   TNode root;
   root.Children = std::move(nodes);
   SortAndEnclose(root);
-  for (const TNode& node : root.Children) {
-    if (hierarchical)
-      out.push_back(Hierarchical(view.Texts, path, node));
-    else
-      Flat(view.Texts, path, node, out);
+  std::string out = "[";
+  out.reserve(text->size() * 2);  // an outline's text is of the order of its source's
+  const std::string uri = UriFromPath(path);
+  for (std::size_t i = 0; i < root.Children.size(); ++i) {
+    if (hierarchical) {
+      if (i) out += ',';
+      Hierarchical(view.Texts, path, root.Children[i], out);
+    } else {
+      Flat(view.Texts, path, uri, root.Children[i], out);
+    }
   }
+  out += ']';
   return out;
 }
 

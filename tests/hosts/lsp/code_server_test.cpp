@@ -58,7 +58,9 @@ struct Client {
   json Call(const json& request) {
     const std::optional<json> answer = server.Dispatcher().HandleMessage(request);
     if (!answer) return "<no answer>";
-    return answer->contains("result") ? (*answer)["result"] : (*answer)["error"];
+    // As the client reads it: a result written as text is spliced in by Serialize.
+    const json message = json::parse(TDispatcher::Serialize(*answer));
+    return message.contains("result") ? message["result"] : message["error"];
   }
   void Send(const json& note) { server.Dispatcher().HandleMessage(note); }
   void Open(const fs::path& file, const std::string& text) {
