@@ -17,9 +17,11 @@ void ForEachClass(const TCommonClassList& list, const std::function<void(TClassD
   }
 }
 
-void AddSymbol(std::vector<TSymbolEntry>& out, const std::string& name, std::string container,
-               int kind, int32_t offset) {
-  out.push_back({name, FoldName(name), std::move(container), kind, offset});
+void AddSymbol(TFileModel& file, const std::string& name, std::string container, int kind,
+               int32_t offset) {
+  file.Symbols.push_back(
+      {name, static_cast<uint32_t>(file.FoldedNames.size()), std::move(container), kind, offset});
+  file.FoldedNames += FoldName(name);
 }
 
 }  // namespace
@@ -73,20 +75,19 @@ bool TCodeModel::Merge(TParsedFile parsed) {
   ForEachClass(*file->Classes, [&](TClassDescription& cls) {
     const std::string container =
         cls.OwnerList && cls.OwnerList->OuterClass ? cls.OwnerList->OuterClass->Name : "";
-    AddSymbol(file->Symbols, cls.Name, container, KindOfClass(cls), cls.StartOffset);
+    AddSymbol(*file, cls.Name, container, KindOfClass(cls), cls.StartOffset);
     for (int i = 0; i < cls.Fields.Count(); ++i) {
       const TFieldDescription* f = cls.Fields.Items(i);
-      AddSymbol(file->Symbols, f->Name, cls.Name, f->IsProperty ? skProperty : skField,
-                f->StartOffset);
+      AddSymbol(*file, f->Name, cls.Name, f->IsProperty ? skProperty : skField, f->StartOffset);
     }
     for (int i = 0; i < cls.Methods.Count(); ++i) {
       const TMethodDescription* m = cls.Methods.Items(i);
-      AddSymbol(file->Symbols, m->Name, cls.Name, KindOfMethod(*m), m->StartOffset);
+      AddSymbol(*file, m->Name, cls.Name, KindOfMethod(*m), m->StartOffset);
     }
   });
   for (int i = 0; i < file->Classes->Routines.Count(); ++i) {
     const TProcDescription* r = file->Classes->Routines.Items(i);
-    AddSymbol(file->Symbols, r->Name, "", skFunction, r->StartOffset);
+    AddSymbol(*file, r->Name, "", skFunction, r->StartOffset);
   }
   Index(*file, true);
   files_[file->Path] = std::move(file);

@@ -39,7 +39,7 @@ enum TSymbolKind : int {
 /// One entry of the workspace symbol index.
 struct TSymbolEntry {
   std::string Name;
-  std::string Folded;     ///< Name in lower case, what the search compares
+  uint32_t FoldedAt = 0;  ///< where Name in lower case starts in TFileModel::FoldedNames
   std::string Container;  ///< the class holding a member, "" at the top
   int Kind = skClass;
   int32_t Offset = -1;  ///< where the declaration starts (buffer form)
@@ -51,6 +51,12 @@ struct TFileModel {
   std::unique_ptr<TClasslist> Classes;
   std::vector<int32_t> LineStarts;
   std::vector<TSymbolEntry> Symbols;
+  /// The symbols' names in lower case, one after the other: the search scans this one
+  /// block instead of a string per symbol.
+  std::string FoldedNames;
+  std::string_view Folded(const TSymbolEntry& entry) const {
+    return std::string_view(FoldedNames).substr(entry.FoldedAt, entry.Name.size());
+  }
 
   /// 0-based line of a buffer offset.
   int LineOf(int32_t offset) const;

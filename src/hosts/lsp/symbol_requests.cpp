@@ -195,10 +195,10 @@ void Flat(TSourceTexts& texts, const std::string& path, const std::string& uri, 
 
 // How well `name` matches the folded query: lower is better, -1 no match. A prefix beats a
 // substring, which beats letters found in order; shorter names win ties.
-int MatchScore(const std::string& folded, std::string_view query) {
+int MatchScore(std::string_view folded, std::string_view query) {
   if (query.empty()) return 3;
   if (folded.compare(0, query.size(), query) == 0) return folded.size() == query.size() ? 0 : 1;
-  if (folded.find(query) != std::string::npos) return 2;
+  if (folded.find(query) != std::string_view::npos) return 2;
   std::size_t q = 0;
   for (char c : folded)
     if (c == query[q] && ++q == query.size()) return 3;
@@ -267,7 +267,7 @@ json WorkspaceSymbols(TModelView view, std::string_view query, std::size_t limit
   std::vector<THit> hits;
   for (const auto& [path, file] : view.Model.Files())
     for (const TSymbolEntry& entry : file->Symbols)
-      if (const int score = MatchScore(entry.Folded, folded); score >= 0)
+      if (const int score = MatchScore(file->Folded(entry), folded); score >= 0)
         hits.push_back({score, &entry, file.get()});
   const auto better = [](const THit& a, const THit& b) {
     if (a.Score != b.Score) return a.Score < b.Score;
