@@ -188,7 +188,8 @@ void TCodeServer::OpenProject() {
       }
       warnings = project.Warnings;
     } catch (const std::exception& e) {
-      warnings.push_back(e.what());
+      // The message names the file; the server goes on with the open documents alone.
+      warnings.push_back(std::string("error: ") + e.what());
     }
     if (here)
       ProjectRead(std::move(file), std::move(parse), std::move(sources), std::move(warnings));
@@ -208,7 +209,8 @@ void TCodeServer::ProjectRead(std::string file, std::vector<std::string> parse,
   projectFile_ = std::move(file);
   projectRead_ = true;
   sourceFiles_ = std::move(sources);
-  for (const std::string& warning : warnings) server_.Log(2, warning);
+  for (const std::string& warning : warnings)
+    server_.Log(warning.starts_with("error: ") ? 1 : 2, warning);
   server_.Log(3, "project " + projectFile_ + ": " + std::to_string(parse.size()) + " files");
   total_ = static_cast<int>(parse.size());
   for (const std::string& path : parse) {

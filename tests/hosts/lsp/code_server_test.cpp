@@ -46,10 +46,13 @@ struct Client {
     written.append(bytes);
     return true;
   }};
-  TLspServer server{TServerOptions{}, writer};
-  TCodeServer code{server, TServerOptions{}, TCodeServerOptions{.Driver = {}, .Inline = true}};
+  TServerOptions options;
+  TLspServer server{options, writer};
+  TCodeServer code;
 
-  explicit Client(const fs::path& root, bool hierarchical = true) {
+  explicit Client(const fs::path& root, bool hierarchical = true, std::string project = "")
+      : options{.Project = std::move(project)},
+        code{server, options, TCodeServerOptions{.Driver = {}, .Inline = true}} {
     json caps = {{"textDocument",
                   {{"documentSymbol", {{"hierarchicalDocumentSymbolSupport", hierarchical}}}}}};
     Call(Req("initialize", {{"rootUri", UriFromPath(root.string())}, {"capabilities", caps}}));
@@ -405,6 +408,21 @@ TEST(LspCodeRequests, FilesChangedOnDiskArePickedUp) {
     loggedGamma |= log["message"].get<std::string>().find("Gamma.pas") != std::string::npos;
   EXPECT_TRUE(loggedGamma);
   fs::remove_all(root);
+}
+
+TEST(LspCodeRequests, AProjectThatCannotBeOpenedIsReportedAndTheServerGoesOn) {
+  Client client(kRoot, true, "/no/such/folder/Broken.bpr");
+  bool reported = false;
+  for (const json& log : client.Notifications("window/logMessage"))
+    reported |= log["type"] == 1 &&
+                log["message"].get<std::string>().find("Broken.bpr") != std::string::npos;
+  EXPECT_TRUE(reported);
+  // An open document still gets its outline.
+  client.Open(kRoot / "ScheduleDlg.h");
+  const json symbols = client.Call(
+      Req("textDocument/documentSymbol",
+          {{"textDocument", {{"uri", UriFromPath((kRoot / "ScheduleDlg.h").string())}}}}));
+  EXPECT_FALSE(symbols.empty()) << symbols.dump();
 }
 
 struct ChoiceCase {
