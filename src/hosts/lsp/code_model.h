@@ -26,6 +26,7 @@ namespace velmora::lsp {
 
 /// The protocol's symbol kinds the server uses.
 enum TSymbolKind : int {
+  skNamespace = 3,
   skClass = 5,
   skMethod = 6,
   skProperty = 7,

@@ -3,6 +3,7 @@
 
 #include "hosts/lsp/code_requests.h"
 #include "model/class_list.h"
+#include "model/parameters.h"
 #include "parsing/implementation_locator.h"
 #include "parsing/source_parser.h"
 #include "support/paths.h"
@@ -19,6 +20,9 @@ struct TNode {
   int64_t NameFrom = 0, NameTo = 0;  // the name, inside [From, To)
   std::string Container;
   std::vector<TNode> Children;
+  /// A grouping of bodies (a class's run, the implementation section), no declaration of
+  /// its own: a flat list leaves it out and keeps its children.
+  bool Group = false;
 };
 
 std::string Detail(TVisibility visibility, TLanguage language, const std::string& declaration) {
@@ -79,37 +83,16 @@ bool IsImplementationFile(const std::string& path) {
   return LanguageOfFile(path) == TLanguage::Cpp && !IsHeaderFile(path);
 }
 
-// The method bodies of a C++ source file, grouped under their class in runs: a class whose
-// bodies are interleaved with another's appears once per run, so no group's range holds
-// another group's body.
-std::vector<TNode> BodyGroups(TModelView view, const std::string& path, const std::string& text) {
-  std::vector<const TFileModel*> declaring;
-  if (const TFileModel* own = view.Model.File(path)) declaring.push_back(own);
-  const std::string_view ext = ExtractFileExt(path);
-  const std::string stem = path.substr(0, path.size() - ext.size());
-  for (const char* headerExt : {".h", ".hpp", ".hxx", ".H"})
-    if (const TFileModel* header = view.Model.File(stem + headerExt)) declaring.push_back(header);
-  struct TBody {
-    int64_t Offset;
-    TClassDescription* Class;
-    TMethodDescription* Method;
-  };
-  std::vector<TBody> bodies;
-  for (const TFileModel* file : declaring) {
-    std::vector<TClassDescription*> classes;
-    for (int i = 0; i < file->Classes->Count(); ++i) classes.push_back(file->Classes->Items(i));
-    for (std::size_t c = 0; c < classes.size(); ++c) {
-      TClassDescription* cls = classes[c];
-      if (TCommonClassList* nested = cls->NestedClassesIfAny())
-        for (int i = 0; i < nested->Count(); ++i) classes.push_back(nested->Items(i));
-      for (int i = 0; i < cls->Methods.Count(); ++i) {
-        TMethodDescription* m = cls->Methods.Items(i);
-        int32_t offset = -1;
-        if (LocateImplementationOffset(text, false, cls, offset, *m) && offset >= 0)
-          bodies.push_back({offset, cls, m});
-      }
-    }
-  }
+struct TBody {
+  int64_t Offset;  // the head's line, after its indentation
+  TClassDescription* Class;
+  TMethodDescription* Method;
+};
+
+// The bodies grouped under their class in runs: a class whose bodies are interleaved with
+// another's appears once per run, so no group's range holds another group's body.
+std::vector<TNode> GroupBodies(const std::string& text, std::vector<TBody> bodies,
+                               bool caseSensitive) {
   std::sort(bodies.begin(), bodies.end(),
             [](const TBody& a, const TBody& b) { return a.Offset < b.Offset; });
   std::vector<TNode> groups;
@@ -123,9 +106,9 @@ std::vector<TNode> BodyGroups(TModelView view, const std::string& path, const st
     node.Container = body.Class->Name;
     node.From = body.Offset;
     node.To = lineEnd;
-    const int64_t qualified = FindWord(text, body.Class->Name, body.Offset, lineEnd, true);
+    const int64_t qualified = FindWord(text, body.Class->Name, body.Offset, lineEnd, caseSensitive);
     int64_t name = FindWord(text, body.Method->Name, qualified < 0 ? body.Offset : qualified + 1,
-                            lineEnd, true);
+                            lineEnd, caseSensitive);
     if (name < 0) name = body.Offset;
     node.NameFrom = name;
     node.NameTo = std::min<int64_t>(lineEnd, name + static_cast<int64_t>(body.Method->Name.size()));
@@ -134,6 +117,7 @@ std::vector<TNode> BodyGroups(TModelView view, const std::string& path, const st
       group.Name = body.Class->Name;
       group.Kind = KindOfClass(*body.Class);
       group.Detail = "implementation";
+      group.Group = true;
       group.From = body.Offset;
       group.NameFrom = qualified < 0 ? node.NameFrom : qualified;
       group.NameTo =
@@ -144,6 +128,110 @@ std::vector<TNode> BodyGroups(TModelView view, const std::string& path, const st
     groups.back().Children.push_back(std::move(node));
   }
   return groups;
+}
+
+std::vector<TClassDescription*> ClassesOf(const TFileModel& file) {
+  std::vector<TClassDescription*> classes;
+  for (int i = 0; i < file.Classes->Count(); ++i) classes.push_back(file.Classes->Items(i));
+  for (std::size_t c = 0; c < classes.size(); ++c)
+    if (TCommonClassList* nested = classes[c]->NestedClassesIfAny())
+      for (int i = 0; i < nested->Count(); ++i) classes.push_back(nested->Items(i));
+  return classes;
+}
+
+// The method bodies of a C++ source file, of the classes it declares and of those of the
+// header beside it, found by the code finder.
+std::vector<TBody> CppBodies(TModelView view, const std::string& path, const std::string& text) {
+  std::vector<const TFileModel*> declaring;
+  if (const TFileModel* own = view.Model.File(path)) declaring.push_back(own);
+  const std::string_view ext = ExtractFileExt(path);
+  const std::string stem = path.substr(0, path.size() - ext.size());
+  for (const char* headerExt : {".h", ".hpp", ".hxx", ".H"})
+    if (const TFileModel* header = view.Model.File(stem + headerExt)) declaring.push_back(header);
+  std::vector<TBody> bodies;
+  for (const TFileModel* file : declaring)
+    for (TClassDescription* cls : ClassesOf(*file))
+      for (int i = 0; i < cls->Methods.Count(); ++i) {
+        TMethodDescription* m = cls->Methods.Items(i);
+        int32_t offset = -1;
+        if (LocateImplementationOffset(text, false, cls, offset, *m) && offset >= 0)
+          bodies.push_back({offset, cls, m});
+      }
+  return bodies;
+}
+
+std::string_view WordAt(const std::string& text, int64_t& p) {
+  const int64_t from = p;
+  while (p < static_cast<int64_t>(text.size()) && IsIdentChar(text[p])) ++p;
+  return std::string_view(text).substr(from, p - from);
+}
+
+// The method bodies of a Pascal unit's implementation section, in one pass over its lines:
+// a line that opens with `procedure`, `function`, `constructor`, `destructor` or
+// `operator` (after `class`, for a class method) and names `Class.Method` of a class this
+// unit declares. Asking the finder for each method would search the whole unit once per
+// method, which for a unit of a thousand methods is most of a second.
+std::vector<TBody> PascalBodies(const TFileModel& file, const std::string& text) {
+  std::vector<TBody> bodies;
+  const int64_t size = static_cast<int64_t>(text.size());
+  int64_t section = -1;
+  for (int64_t at = FindWord(text, "implementation", 0, size, false); at >= 0;
+       at = FindWord(text, "implementation", at + 1, size, false))
+    if (at == 0 || text[at - 1] == '\n') {
+      section = at;
+      break;
+    }
+  if (section < 0) return bodies;
+  const std::vector<TClassDescription*> classes = ClassesOf(file);
+  for (int64_t line = section; line < size;) {
+    int64_t next = static_cast<int64_t>(text.find('\n', static_cast<std::size_t>(line)));
+    next = next < 0 ? size : next + 1;
+    int64_t p = line;
+    while (p < next && (text[p] == ' ' || text[p] == '\t')) ++p;
+    const int64_t head = p;
+    std::string word = FoldName(WordAt(text, p));
+    if (word == "class") {
+      while (p < next && text[p] == ' ') ++p;
+      word = FoldName(WordAt(text, p));
+    }
+    line = next;
+    if (word != "procedure" && word != "function" && word != "constructor" &&
+        word != "destructor" && word != "operator")
+      continue;
+    // `Outer.Inner.Method`: the last two names are the class and the method.
+    std::vector<std::string_view> names;
+    for (;;) {
+      while (p < next && (text[p] == ' ' || text[p] == '\t')) ++p;
+      names.push_back(WordAt(text, p));
+      if (p >= next || text[p] != '.') break;
+      ++p;
+    }
+    if (names.size() < 2) continue;
+    const std::string_view className = names[names.size() - 2];
+    const std::string_view methodName = names.back();
+    std::string_view params;
+    while (p < next && (text[p] == ' ' || text[p] == '\t')) ++p;
+    if (p < next && text[p] == '(') {
+      const std::size_t close = text.find(')', static_cast<std::size_t>(p));
+      if (close != std::string::npos) params = std::string_view(text).substr(p + 1, close - p - 1);
+    }
+    for (TClassDescription* cls : classes) {
+      if (!SameName(cls->Name, className, TLanguage::Pascal)) continue;
+      TMethodDescription* found = nullptr;
+      for (int i = 0; i < cls->Methods.Count() && !found; ++i) {
+        TMethodDescription* m = cls->Methods.Items(i);
+        if (!SameName(m->Name, methodName, TLanguage::Pascal)) continue;
+        TParameterList parsed(TLanguage::Pascal);
+        parsed.Parse(params);
+        // An overload is told by its parameters; a lone name takes any (the
+        // implementation may leave its parameter list out).
+        if (!cls->Methods.IsOverloaded(i) || parsed.SameAs(m->Parameters)) found = m;
+      }
+      if (found) bodies.push_back({head, cls, found});
+      break;
+    }
+  }
+  return bodies;
 }
 
 // Written as text: a unit of thousands of routines makes an answer of megabytes, which
@@ -175,6 +263,10 @@ void Hierarchical(TSourceTexts& texts, const std::string& path, const TNode& nod
 
 void Flat(TSourceTexts& texts, const std::string& path, const std::string& uri, const TNode& node,
           std::string& out) {
+  if (node.Group) {
+    for (const TNode& child : node.Children) Flat(texts, path, uri, child, out);
+    return;
+  }
   if (out.size() > 1) out += ',';
   out += R"({"name":)";
   AppendJsonString(out, node.Name);
@@ -237,8 +329,25 @@ std::string DocumentSymbols(TModelView view, const std::string& path, bool hiera
       nodes.push_back(NodeOf(*text, r, skFunction, r.GetDeclaration(0)));
     }
   }
-  if (IsImplementationFile(path))
-    for (TNode& group : BodyGroups(view, path, *text)) nodes.push_back(std::move(group));
+  if (IsImplementationFile(path)) {
+    for (TNode& group : GroupBodies(*text, CppBodies(view, path, *text), true))
+      nodes.push_back(std::move(group));
+  } else if (file && LanguageOfFile(path) == TLanguage::Pascal) {
+    // Under one "implementation" node, as the unit itself is laid out: the classes above
+    // are their declarations.
+    std::vector<TNode> groups = GroupBodies(*text, PascalBodies(*file, *text), false);
+    if (!groups.empty()) {
+      TNode section;
+      section.Name = "implementation";
+      section.Kind = skNamespace;
+      section.Group = true;
+      section.From = section.NameFrom = groups.front().From;
+      section.NameTo = groups.front().NameTo;
+      section.To = groups.back().To;
+      section.Children = std::move(groups);
+      nodes.push_back(std::move(section));
+    }
+  }
   TNode root;
   root.Children = std::move(nodes);
   SortAndEnclose(root);

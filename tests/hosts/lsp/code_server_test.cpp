@@ -322,7 +322,7 @@ TEST(LspCodeRequests, DocumentSymbolsOutlineEachFile) {
       {.file = "MainForm.cpp", .outline = "TFormMain(20)"},
       {.file = "GlazeForm.pas",
        .outline = "TRecipeCheck(1) TTotalPercentCheck(1) TGlazeRecipeForm(34) GlazeBatchWeight(0) "
-                  "PercentText(0)"},
+                  "PercentText(0) implementation(2)"},
       {.file = "FiringTypes.cpp", .outline = ""},
   };
   Client client(kRoot);
@@ -346,6 +346,27 @@ TEST(LspCodeRequests, DocumentSymbolsOutlineEachFile) {
   }
 }
 
+// The implementation section of a unit: each body under its class, overloads told apart.
+TEST(LspCodeRequests, PascalBodiesAreGroupedUnderTheirClass) {
+  Client client(kRoot);
+  client.Open(kRoot / "GlazeForm.pas");
+  const json symbols = client.Call(
+      Req("textDocument/documentSymbol",
+          {{"textDocument", {{"uri", UriFromPath((kRoot / "GlazeForm.pas").string())}}}}));
+  ASSERT_TRUE(symbols.is_array() && !symbols.empty());
+  const json& section = symbols.back();
+  ASSERT_EQ(section["name"], "implementation");
+  ASSERT_EQ(section["children"].size(), 2u);
+  std::string overloads;
+  for (const json& body : section["children"][1]["children"])
+    if (body["name"] == "AddIngredient")
+      overloads += std::to_string(body["selectionRange"]["start"]["line"].get<int>()) + " " +
+                   body["detail"].get<std::string>() + "; ";
+  EXPECT_EQ(overloads,
+            "123 AddIngredient(const Material: string; Percent: Double); "
+            "132 AddIngredient(const Ingredient: TGlazeIngredient); ");
+}
+
 TEST(LspCodeRequests, FlatSymbolsNameTheirContainer) {
   Client client(kRoot, /*hierarchical=*/false);
   const json symbols = client.Call(
@@ -355,9 +376,11 @@ TEST(LspCodeRequests, FlatSymbolsNameTheirContainer) {
   std::string checkContainer;
   for (const json& s : symbols) {
     EXPECT_TRUE(s.contains("location") && !s.contains("children")) << s.dump();
+    EXPECT_NE(s["name"], "implementation");
     if (s["name"] == "Check") checkContainer += s.value("containerName", "?") + " ";
   }
-  EXPECT_EQ(checkContainer, "TRecipeCheck TTotalPercentCheck ");
+  // Both declarations, then the body of the one that has one.
+  EXPECT_EQ(checkContainer, "TRecipeCheck TTotalPercentCheck TTotalPercentCheck ");
 }
 
 TEST(LspCodeRequests, AnEditIsReparsedAndTheModelFollows) {
