@@ -98,7 +98,10 @@ void TThreadParseDriver::Work() {
           (it->second.Due == next->second.Due && it->second.Order < next->second.Order))
         next = it;
     if (next->second.Due > TClock::now()) {
-      wake_.wait_until(hold, next->second.Due);
+      // A copy: the wait reads its deadline again on waking, and by then the request may
+      // be gone (replaced, cancelled, or the driver stopping).
+      const TClock::time_point due = next->second.Due;
+      wake_.wait_until(hold, due);
       continue;
     }
     TJob job = std::move(next->second);
