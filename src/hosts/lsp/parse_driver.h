@@ -7,7 +7,7 @@
 // driver here has one worker of its own; the add-in's manager, when the server drives it,
 // takes its place without the requests noticing.
 //
-// Threads: Parse, Forget and the destructor are called from the main thread; the deliver
+// Threads: Parse, CancelPending and the destructor are called from the main thread; the deliver
 // function runs on the worker (threaded driver) or inside Parse (inline driver).
 #pragma once
 
