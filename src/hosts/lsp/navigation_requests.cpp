@@ -37,6 +37,9 @@ TWord WordAt(const std::string& text, int64_t offset) {
   if (p >= 2 && text[p - 1] == ':' && text[p - 2] == ':') {
     word.Separator = "::";
     p -= 2;
+  } else if (p >= 2 && text[p - 1] == '>' && text[p - 2] == '-') {
+    word.Separator = "->";
+    p -= 2;
   } else if (p >= 1 && text[p - 1] == '.') {
     word.Separator = ".";
     p -= 1;
@@ -302,12 +305,30 @@ TResolved ResolveAt(TModelView view, const std::string& path, int64_t offset) {
       if (r.Found()) return r;
     }
   }
+  if (!enclosing) enclosing = ClassOfBodyAt(view, *text, word.From);
+  // `Object->Member` or `Object.Member`: the member of the class of the object's type,
+  // when the object is a field, property or function of the class the cursor is in.
+  if (!word.Qualifier.empty() && word.Separator != "::" && enclosing) {
+    const TResolved object = MemberOf(view, enclosing, word.Qualifier);
+    std::string type = object.Field    ? object.Field->FieldType
+                       : object.Method ? object.Method->ResultType
+                                       : std::string();
+    for (const char* noise : {"const ", "*", "&", "^"})
+      for (std::size_t at; (at = type.find(noise)) != std::string::npos;)
+        type.erase(at, std::string_view(noise).size());
+    if (const std::size_t colons = type.rfind("::"); colons != std::string::npos)
+      type.erase(0, colons + 2);
+    while (!type.empty() && type.back() == ' ') type.pop_back();
+    if (TClassDescription* cls = type.empty() ? nullptr : view.Model.FindClass(type).Class) {
+      r = MemberOf(view, cls, word.Name);
+      if (r.Found()) return r;
+    }
+  }
   if (const TClassRef named = view.Model.FindClass(word.Name); named.Class) {
     r.Class = named.Class;
     r.File = named.File;
     return r;
   }
-  if (!enclosing) enclosing = ClassOfBodyAt(view, *text, word.From);
   if (enclosing) {
     r = MemberOf(view, enclosing, word.Name);
     if (r.Found()) return r;
