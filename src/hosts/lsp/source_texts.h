@@ -30,6 +30,8 @@ class TSourceTexts {
   std::pair<TLspPosition, TLspPosition> Span(const std::string& path, int64_t from, int64_t to);
   /// A client position in `path` as a buffer offset; -1 when unreadable.
   int64_t Offset(const std::string& path, TLspPosition position);
+  /// Whether `path` is open in the client (its text is at hand without a read).
+  bool IsOpen(const std::string& path) const { return documents_.FindByPath(path) != nullptr; }
   /// Open documents first, then the disk: what the code finders search.
   TSourceTextReader Reader();
   TPositionEncoding Encoding() const { return encoding_; }

@@ -394,16 +394,21 @@ json WorkspaceSymbols(TModelView view, std::string_view query, std::size_t limit
   for (std::size_t i = 0; i < keep; ++i) {
     const THit& hit = hits[i];
     // Positions from the file's line table: reading a hundred files to count UTF-16 units
-    // would cost more than the search; the column is in bytes, exact for ASCII lines.
-    const int line = hit.File->LineOf(hit.Entry->Offset);
-    const int character =
-        hit.Entry->Offset < 0 ? 0 : hit.Entry->Offset - hit.File->LineStarts[line];
-    const json position = {{"line", line}, {"character", character}};
+    // would cost more than the search; the column is in bytes, exact for ASCII lines. An
+    // open document's text is at hand, so its columns are counted as the client counts.
+    json range;
+    if (view.Texts.IsOpen(hit.File->Path)) {
+      range = view.Texts.Range(hit.File->Path, hit.Entry->Offset, hit.Entry->Offset);
+    } else {
+      const int line = hit.File->LineOf(hit.Entry->Offset);
+      const int character =
+          hit.Entry->Offset < 0 ? 0 : hit.Entry->Offset - hit.File->LineStarts[line];
+      const json position = {{"line", line}, {"character", character}};
+      range = {{"start", position}, {"end", position}};
+    }
     json symbol = {{"name", hit.Entry->Name},
                    {"kind", hit.Entry->Kind},
-                   {"location",
-                    {{"uri", UriFromPath(hit.File->Path)},
-                     {"range", {{"start", position}, {"end", position}}}}}};
+                   {"location", {{"uri", UriFromPath(hit.File->Path)}, {"range", range}}}};
     if (!hit.Entry->Container.empty()) symbol["containerName"] = hit.Entry->Container;
     out.push_back(std::move(symbol));
   }

@@ -454,6 +454,24 @@ TEST(LspCodeRequests, AProjectThatCannotBeOpenedIsReportedAndTheServerGoesOn) {
   EXPECT_FALSE(symbols.empty()) << symbols.dump();
 }
 
+TEST(LspCodeRequests, WorkspaceSymbolsCountAnOpenDocumentAsTheClientDoes) {
+  const fs::path root =
+      fs::temp_directory_path() / ("velmora-lsp-units-" + std::to_string(::getpid()));
+  fs::remove_all(root);
+  fs::create_directories(root);
+  const std::string text =
+      "unit Uni;\ninterface\ntype {\xc3\xa9} TUni = class end;\n"
+      "implementation\nend.\n";
+  std::ofstream(root / "Uni.pas") << text;
+  Client client(root);
+  // Not open: the column in bytes, from the model's line table.
+  EXPECT_EQ(Summary(client.Call(Req("workspace/symbol", {{"query", "TUni"}}))), "Uni.pas:2:10");
+  client.Open(root / "Uni.pas", text);
+  // Open: in UTF-16 units, the two bytes of the e with its accent one unit.
+  EXPECT_EQ(Summary(client.Call(Req("workspace/symbol", {{"query", "TUni"}}))), "Uni.pas:2:9");
+  fs::remove_all(root);
+}
+
 struct ChoiceCase {
   std::vector<const char*> files;
   const char* option;
