@@ -235,6 +235,12 @@ TEST(LspCodeRequests, AnswersAtAPosition) {
        .line = 9999,
        .character = 5,
        .expected = "[]"},
+      {.name = "a negative position: an empty answer",
+       .method = "textDocument/implementation",
+       .file = "MainForm.h",
+       .line = -1,
+       .character = -7,
+       .expected = "[]"},
       {.name = "a document never opened nor in the project: an empty answer",
        .method = "textDocument/definition",
        .file = "NoSuchUnit.pas",
@@ -262,6 +268,9 @@ TEST(LspCodeRequests, TypeHierarchyWalksBothWays) {
   EXPECT_EQ(Summary(client.Call(Req("typeHierarchy/supertypes", {{"item", sub[0]}}))),
             "TCostModel");
   EXPECT_EQ(Summary(client.Call(Req("typeHierarchy/supertypes", {{"item", item[0]}}))), "[]");
+  // An item the server did not make: no relatives, and no failure.
+  EXPECT_EQ(Summary(client.Call(Req("typeHierarchy/subtypes", {{"item", {{"name", "TX"}}}}))),
+            "[]");
 }
 
 struct SymbolCase {
