@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include "commands.h"
+#include "hosts/lsp/code_server.h"
 #include "hosts/lsp/server.h"
 #include "hosts/lsp/transport.h"
 
@@ -25,6 +26,7 @@ void AddLspCommand(CLI::App& app) {
     lsp::TFrameWriter writer(lsp::WriteToFd(STDOUT_FILENO));
     auto reader = std::make_shared<lsp::TFrameReader>(lsp::ReadFromFd(STDIN_FILENO));
     lsp::TLspServer server(*options, writer);
+    lsp::TCodeServer codeServer(server, *options);
     if (const int code = server.Run(reader); code != 0) throw CLI::RuntimeError(code);
   });
 }

@@ -31,6 +31,35 @@ json TDispatcher::ErrorResponse(const json& id, int code, std::string_view messa
               {"error", {{"code", code}, {"message", std::string(message)}}}};
 }
 
+namespace {
+// The binary subtype that marks a raw result; a client never sends binary values.
+constexpr std::uint64_t kRawSubtype = 0x52;
+}  // namespace
+
+json TDispatcher::RawResult(std::string jsonText) {
+  return json::binary(json::binary_t::container_type(jsonText.begin(), jsonText.end()),
+                      kRawSubtype);
+}
+
+std::string TDispatcher::Serialize(const json& message) {
+  const auto dump = [](const json& value) {
+    return value.dump(-1, ' ', false, json::error_handler_t::replace);
+  };
+  if (message.is_object()) {
+    const auto result = message.find("result");
+    if (result != message.end() && result->is_binary() && result->get_binary().has_subtype() &&
+        result->get_binary().subtype() == kRawSubtype) {
+      const auto& bytes = result->get_binary();
+      std::string text =
+          R"({"id":)" + dump(message.value("id", json())) + R"(,"jsonrpc":"2.0","result":)";
+      text.append(bytes.begin(), bytes.end());
+      text += '}';
+      return text;
+    }
+  }
+  return dump(message);
+}
+
 json TDispatcher::ResultResponse(const json& id, json result) {
   return json{{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}};
 }

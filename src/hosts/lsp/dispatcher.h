@@ -75,6 +75,13 @@ class TDispatcher {
   static json ErrorResponse(const json& id, int code, std::string_view message);
   static json ResultResponse(const json& id, json result);
 
+  /// A result already written as JSON text, for answers too large to build as values
+  /// (the outline of a unit with thousands of routines): Serialize splices it in as it is.
+  static json RawResult(std::string jsonText);
+  /// The message as the client receives it, raw results spliced in; bytes that are not
+  /// UTF-8 in a string come out as U+FFFD.
+  static std::string Serialize(const json& message);
+
  private:
   bool TakeCancelled(const json& id);
   void Log(const std::string& text) const {

@@ -1,6 +1,13 @@
 #include "hosts/lsp/documents.h"
 
+#include "support/text_buffer.h"
+
 namespace velmora::lsp {
+
+std::shared_ptr<const TBufferText> TDocument::Buffer() const {
+  if (!buffer_) buffer_ = std::make_shared<const TBufferText>(ToBufferForm(Text));
+  return buffer_;
+}
 
 bool TDocumentStore::Open(std::string_view uri, std::string_view languageId, int version,
                           std::string text) {
@@ -12,6 +19,7 @@ bool TDocumentStore::Open(std::string_view uri, std::string_view languageId, int
   doc.LanguageId = std::string(languageId);
   doc.Version = version;
   doc.Text = std::move(text);
+  doc.buffer_.reset();
   return true;
 }
 
@@ -28,6 +36,7 @@ bool TDocumentStore::Change(std::string_view uri, int version,
       doc.Text = ApplyEdit(doc.Text, *change.From, *change.To, change.Text, encoding);
   }
   doc.Version = version;
+  doc.buffer_.reset();
   return true;
 }
 

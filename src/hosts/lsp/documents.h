@@ -7,6 +7,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,12 +17,29 @@
 
 namespace velmora::lsp {
 
+/// A text in buffer form with its line index; shared by the requests that read it, so a
+/// large document is converted once per change, not once per request.
+struct TBufferText {
+  explicit TBufferText(std::string text) : Text(std::move(text)), Lines(Text) {}
+  TBufferText(const TBufferText&) = delete;
+  TBufferText& operator=(const TBufferText&) = delete;
+  const std::string Text;
+  const TLineIndex Lines;  // views Text: declared after it
+};
+
 struct TDocument {
   std::string Uri;
   std::string Path;
   std::string LanguageId;
   int Version = 0;
   std::string Text;  ///< as the client holds it
+
+  /// Text in buffer form, made on first use after each change.
+  std::shared_ptr<const TBufferText> Buffer() const;
+
+ private:
+  friend class TDocumentStore;
+  mutable std::shared_ptr<const TBufferText> buffer_;  ///< null until asked, and after a change
 };
 
 /// One change of a didChange: a range and its new text, or (no range) the whole text.

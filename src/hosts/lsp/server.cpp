@@ -184,7 +184,7 @@ void TLspServer::Quit(int code) {
 void TLspServer::Handle(const json& message) {
   const std::optional<json> answer = dispatcher_.HandleMessage(message);
   // Source files are not always UTF-8: a name in Windows-1252 must not stop the answer.
-  if (answer) out_.Send(answer->dump(-1, ' ', false, json::error_handler_t::replace));
+  if (answer) out_.Send(TDispatcher::Serialize(*answer));
 }
 
 // Reads the client until its input ends. A cancel overtakes the request it names when that

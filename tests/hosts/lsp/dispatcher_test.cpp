@@ -1,5 +1,7 @@
 #include "hosts/lsp/dispatcher.h"
 
+#include "hosts/lsp/source_texts.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -114,6 +116,36 @@ TEST_F(LspDispatcher, GateHoldsBackAllButTheNamedMethods) {
   EXPECT_EQ(Code(R"({"jsonrpc":"2.0","id":2,"method":"initialize"})"), 0);
   d.SetGate(true, {});
   EXPECT_EQ(Code(R"({"jsonrpc":"2.0","id":3,"method":"echo"})"), 0);
+}
+
+TEST_F(LspDispatcher, RawResultsAreSplicedAsTheyAre) {
+  d.OnRequest("raw", [](const json&) { return TDispatcher::RawResult(R"([{"a":1}])"); });
+  const std::optional<json> answer = d.Handle(R"({"jsonrpc":"2.0","id":"r7","method":"raw"})");
+  ASSERT_TRUE(answer);
+  EXPECT_EQ(TDispatcher::Serialize(*answer), R"({"id":"r7","jsonrpc":"2.0","result":[{"a":1}]})");
+  // Anything else serializes as the library writes it.
+  EXPECT_EQ(TDispatcher::Serialize(json{{"id", 1}, {"result", {1, 2}}}),
+            R"({"id":1,"result":[1,2]})");
+}
+
+struct StringCase {
+  std::string text;
+  const char* written;
+};
+
+TEST(LspJsonText, StringsAreEscapedAndNonUtf8Replaced) {
+  const StringCase cases[] = {
+      {.text = "TForm1", .written = R"("TForm1")"},
+      {.text = R"(say "hi" \ there)", .written = R"("say \"hi\" \\ there")"},
+      {.text = "tab\there", .written = R"("tab\there")"},
+      {.text = "caf\xc3\xa9", .written = "\"caf\xc3\xa9\""},
+      {.text = "Windows-1252 \xe9", .written = "\"Windows-1252 \xef\xbf\xbd\""},
+  };
+  for (const StringCase& c : cases) {
+    std::string out;
+    AppendJsonString(out, c.text);
+    EXPECT_EQ(out, c.written) << c.text;
+  }
 }
 
 }  // namespace

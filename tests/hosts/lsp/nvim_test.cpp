@@ -56,4 +56,37 @@ TEST(LspNeovim, ClientStartsTheServerAndAgreesOnTheSession) {
   EXPECT_EQ(result["capabilities"]["textDocumentSync"]["change"], 2);
 }
 
+// Neovim asks for the outline and the jumps of an open header: the answers as its own
+// client received them.
+TEST(LspNeovim, OutlineAndJumpsReachTheClient) {
+  if (!HaveNvim()) GTEST_SKIP() << "nvim is not installed";
+  const fs::path root = fs::path(VELMORA_SOURCE_DIR) / "examples/KilnLog";
+  const json requests = json::array({
+      {{"method", "textDocument/documentSymbol"}},
+      {{"method", "textDocument/definition"}, {"line", 29}, {"character", 25}},
+      {{"method", "textDocument/implementation"}, {"line", 52}, {"character", 30}},
+      {{"method", "textDocument/hover"}, {"line", 45}, {"character", 35}},
+  });
+  const json result = RunClient(root, root / "MainForm.h", requests);
+  ASSERT_FALSE(result.is_discarded()) << "the client wrote no result";
+  EXPECT_EQ(result["errors"], json::array()) << result.dump();
+  const json& answers = result["answers"];
+  ASSERT_EQ(answers.size(), 4u) << result.dump();
+  // Neovim announces hierarchical symbols: one class with its members inside.
+  const json& outline = answers[0]["result"];
+  ASSERT_EQ(outline.size(), 1u) << outline.dump();
+  EXPECT_EQ(outline[0]["name"], "TFormMain");
+  EXPECT_EQ(outline[0]["children"].size(), 43u);
+  const auto where = [](const json& locations) {
+    if (!locations.is_array() || locations.empty()) return std::string("none");
+    return fs::path(locations[0]["uri"].get<std::string>()).filename().string() + ":" +
+           std::to_string(locations[0]["range"]["start"]["line"].get<int>());
+  };
+  EXPECT_EQ(where(answers[1]["result"]), "MainForm.cpp:38") << answers[1].dump();
+  EXPECT_EQ(where(answers[2]["result"]), "MainForm.cpp:32") << answers[2].dump();
+  EXPECT_NE(answers[3]["result"]["contents"]["value"].get<std::string>().find("GetFiring"),
+            std::string::npos)
+      << answers[3].dump();
+}
+
 }  // namespace
