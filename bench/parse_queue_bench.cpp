@@ -2,7 +2,8 @@
 // worker and with two: every file is a job (includes not followed, so each file is parsed
 // once), read from editor buffers so that the disk stays out of the figure, and each
 // result merged on this thread as it arrives, as a host's main thread does. The time runs
-// from the first post to the last merge.
+// from the first post to the last merge. universal-ctags runs over the same files in the
+// same run, so that the figures of one run compare whatever else the machine is doing.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -117,11 +118,15 @@ int main(int argc, char** argv) {
           })
           ->UseRealTime()
           ->Unit(benchmark::kMillisecond);
+    velmora::bench::RegisterCtags(corpus);
   }
 
   velmora::bench::SummaryReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   benchmark::Shutdown();
+  velmora::bench::RemoveCtagsLists();
+  reporter.PrintComparison("OpenThroughQueue1", corpora);
+  reporter.PrintComparison("OpenThroughQueue2", corpora);
   std::printf("\n%-8s %12s %12s %10s\n", "corpus", "1 thread", "2 threads", "speed-up");
   for (const auto& c : corpora) {
     const auto one = reporter.bestRate.find("OpenThroughQueue1/" + c->name);
