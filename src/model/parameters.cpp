@@ -55,6 +55,19 @@ bool IsAssign(std::string_view s, size_t i) {
   return true;
 }
 
+// What the scans of parameter text have to look at; every other character (but the one a
+// scan looks for) only moves them on.
+enum : uint8_t { kPlain, kQuote, kOpen, kClose, kAngleOpen, kAngleClose };
+constexpr std::array<uint8_t, 256> kStructure = [] {
+  std::array<uint8_t, 256> t{};
+  t['"'] = t['\''] = kQuote;
+  t['('] = t['['] = t['{'] = kOpen;
+  t[')'] = t[']'] = t['}'] = kClose;
+  t['<'] = kAngleOpen;
+  t['>'] = kAngleClose;
+  return t;
+}();
+
 // Hands `visit` the pieces of C++ parameter text between the commas that stand outside
 // brackets, literals and template arguments. Angle brackets count only before a parameter's
 // default value, where they cannot be operators; inside a default value only real brackets
@@ -66,6 +79,10 @@ void ForEachCppParameter(std::string_view s, Visit visit) {
   size_t start = 0;
   for (size_t i = 0; i < s.size();) {
     const char c = s[i];
+    if (kStructure[static_cast<unsigned char>(c)] == kPlain && c != '=' && c != ',') {
+      ++i;
+      continue;
+    }
     if (c == '"' || c == '\'') {
       i = SkipLiteral(s, i, true);
       continue;
@@ -89,18 +106,6 @@ void ForEachCppParameter(std::string_view s, Visit visit) {
   }
   visit(s.substr(start));
 }
-
-// What FindTopLevel has to look at; every other character only moves it on.
-enum : uint8_t { kPlain, kQuote, kOpen, kClose, kAngleOpen, kAngleClose };
-constexpr std::array<uint8_t, 256> kStructure = [] {
-  std::array<uint8_t, 256> t{};
-  t['"'] = t['\''] = kQuote;
-  t['('] = t['['] = t['{'] = kOpen;
-  t[')'] = t[']'] = t['}'] = kClose;
-  t['<'] = kAngleOpen;
-  t['>'] = kAngleClose;
-  return t;
-}();
 
 // Position of the first top-level character `target` (outside brackets, literals and, when
 // `angles` is set, template arguments), or npos. The parsers call it several times for
