@@ -405,6 +405,19 @@ TProcDescription* TRoutineList::Add(std::unique_ptr<TProcDescription> routine) {
   return static_cast<TProcDescription*>(TMethodDescriptionList::Add(std::move(routine)));
 }
 
+void TRoutineList::AddAll(std::vector<std::unique_ptr<TProcDescription>> routines) {
+  if (IsReference) return;
+  std::vector<std::pair<std::string_view, void*>> entries;
+  entries.reserve(routines.size());
+  for (const auto& routine : routines)
+    if (routine) {
+      routine->Owner = this;
+      entries.emplace_back(routine->Name, routine.get());
+    }
+  Index.AddMany(entries);
+  for (auto& routine : routines) routine.release();
+}
+
 TProcDescription* TRoutineList::Find(std::string_view name, std::string_view fileName,
                                      const TParameterList& params) const {
   const TNameRun run = NameRun(name);

@@ -207,6 +207,10 @@ class TRoutineList : public TMethodDescriptionList {
   /// Indexes `routine` under its name, takes ownership (unless in reference mode) and
   /// makes this list its Owner.
   TProcDescription* Add(std::unique_ptr<TProcDescription> routine);
+  /// Add for each routine in turn, the index kept up to date once for all of them: a
+  /// parsed unit's thousands of routines moving into a model of tens of thousands. Does
+  /// nothing in reference mode (the routines are then freed).
+  void AddAll(std::vector<std::unique_ptr<TProcDescription>> routines);
   /// The routine of that name declared in `fileName` (compared case-insensitively) with
   /// the same parameters, or null.
   TProcDescription* Find(std::string_view name, std::string_view fileName,

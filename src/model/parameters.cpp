@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 #include "model/class_info_error.h"
 #include "support/ansi.h"
@@ -54,6 +55,19 @@ bool IsAssign(std::string_view s, size_t i) {
   return true;
 }
 
+// What the scans of parameter text have to look at; every other character (but the one a
+// scan looks for) only moves them on.
+enum : uint8_t { kPlain, kQuote, kOpen, kClose, kAngleOpen, kAngleClose };
+constexpr std::array<uint8_t, 256> kStructure = [] {
+  std::array<uint8_t, 256> t{};
+  t['"'] = t['\''] = kQuote;
+  t['('] = t['['] = t['{'] = kOpen;
+  t[')'] = t[']'] = t['}'] = kClose;
+  t['<'] = kAngleOpen;
+  t['>'] = kAngleClose;
+  return t;
+}();
+
 // Hands `visit` the pieces of C++ parameter text between the commas that stand outside
 // brackets, literals and template arguments. Angle brackets count only before a parameter's
 // default value, where they cannot be operators; inside a default value only real brackets
@@ -65,6 +79,10 @@ void ForEachCppParameter(std::string_view s, Visit visit) {
   size_t start = 0;
   for (size_t i = 0; i < s.size();) {
     const char c = s[i];
+    if (kStructure[static_cast<unsigned char>(c)] == kPlain && c != '=' && c != ',') {
+      ++i;
+      continue;
+    }
     if (c == '"' || c == '\'') {
       i = SkipLiteral(s, i, true);
       continue;
@@ -90,24 +108,37 @@ void ForEachCppParameter(std::string_view s, Visit visit) {
 }
 
 // Position of the first top-level character `target` (outside brackets, literals and, when
-// `angles` is set, template arguments), or npos.
+// `angles` is set, template arguments), or npos. The parsers call it several times for
+// every parameter list of a unit, so one table lookup sorts out each character.
 size_t FindTopLevel(std::string_view s, char target, bool cpp, bool angles) {
   int depth = 0, angleDepth = 0;
   for (size_t i = 0; i < s.size();) {
     const char c = s[i];
-    if (c == '"' || c == '\'') {
+    const uint8_t kind = kStructure[static_cast<unsigned char>(c)];
+    if (kind == kPlain && c != target) {
+      ++i;
+      continue;
+    }
+    if (kind == kQuote) {
       i = SkipLiteral(s, i, cpp);
       continue;
     }
     if (depth == 0 && angleDepth == 0 && c == target && (target != '=' || IsAssign(s, i))) return i;
-    if (IsOpen(c)) {
-      ++depth;
-    } else if (IsClose(c)) {
-      depth = std::max(0, depth - 1);
-    } else if (angles && depth == 0 && c == '<') {
-      ++angleDepth;
-    } else if (angles && depth == 0 && c == '>') {
-      angleDepth = std::max(0, angleDepth - 1);
+    switch (kind) {
+      case kOpen:
+        ++depth;
+        break;
+      case kClose:
+        depth = std::max(0, depth - 1);
+        break;
+      case kAngleOpen:
+        if (angles && depth == 0) ++angleDepth;
+        break;
+      case kAngleClose:
+        if (angles && depth == 0) angleDepth = std::max(0, angleDepth - 1);
+        break;
+      default:
+        break;
     }
     ++i;
   }
@@ -250,16 +281,19 @@ void ReadPascalGroup(std::string_view text, TParameterList& list) {
       type = Trim(type.substr(0, eq));
     }
   }
-  std::vector<std::string_view> found;
+  bool named = false;
   for (size_t start = 0;;) {
     const size_t comma = names.find(',', start);
     const std::string_view name = Trim(names.substr(start, comma - start));
-    if (!name.empty()) found.push_back(name);
+    if (!name.empty()) {
+      list.Add(name, type, modifier, defaultValue);
+      named = true;
+    }
     if (comma == std::string_view::npos) break;
     start = comma + 1;
   }
-  if (found.empty()) found.emplace_back();  // ": Integer" alone: one unnamed parameter
-  for (std::string_view name : found) list.Add(name, type, modifier, defaultValue);
+  if (!named)
+    list.Add({}, type, modifier, defaultValue);  // ": Integer" alone: one unnamed parameter
 }
 
 }  // namespace
@@ -323,6 +357,11 @@ std::string TParameterList::GetText(unsigned options) const {
 void TParameterList::Parse(std::string_view text) {
   Items.clear();
   text = Trim(text);
+  // At most one parameter more than the separators: room for all of them at once.
+  if (!text.empty() && text != "void")
+    Items.reserve(static_cast<size_t>(std::count_if(text.begin(), text.end(),
+                                                    [](char c) { return c == ',' || c == ';'; })) +
+                  1);
   if (IsCpp(Language)) {
     if (text == "void") return;
     ForEachCppParameter(text, [this](std::string_view part) { ReadCppParameter(part, *this); });

@@ -181,6 +181,64 @@ int TStringList::Add(std::string_view s, void* object) {
   return index;
 }
 
+void TStringList::AddMany(const std::vector<std::pair<std::string_view, void*>>& entries) {
+  if (!sorted_) {
+    for (const auto& [s, object] : entries) Add(s, object);
+    return;
+  }
+  // The places are found by the blocks' last entries alone, which need no starts; the
+  // starts of the blocks from the first one touched on are counted again at the end.
+  int firstTouched = static_cast<int>(blocks_.size());
+  auto settle = [&] {
+    if (firstTouched < static_cast<int>(blocks_.size())) RecountFrom(firstTouched);
+  };
+  for (const auto& [s, object] : entries) {
+    if (blocks_.empty()) {
+      blocks_.emplace_back().reserve(static_cast<size_t>(firstBlockRoom_));
+      firstTouched = 0;
+    }
+    // After every equal entry, where Add puts it: in the first block whose last entry
+    // sorts after `s`, or at the end of the last block.
+    auto block = std::partition_point(blocks_.begin(), blocks_.end(), [&](const auto& b) {
+      return b.empty() || Compare(b.back().text, s) <= 0;
+    });
+    if (block == blocks_.end()) --block;
+    auto at = std::partition_point(block->begin(), block->end(),
+                                   [&](const Entry& e) { return Compare(e.text, s) <= 0; });
+    if (duplicates_ != TDuplicates::Accept) {
+      const Entry* previous = at != block->begin()       ? &*(at - 1)
+                              : block != blocks_.begin() ? &(block - 1)->back()
+                                                         : nullptr;
+      if (previous && Compare(previous->text, s) == 0) {
+        if (duplicates_ == TDuplicates::Ignore) continue;
+        settle();
+        throw EStringListError("The list does not allow duplicates: \"" + std::string(s) + "\"");
+      }
+    }
+    const int b = static_cast<int>(block - blocks_.begin());
+    if (at == block->end() && b + 1 == static_cast<int>(blocks_.size()) &&
+        static_cast<int>(block->size()) >= kMaxBlock) {
+      // As InsertAt: appending to a full last block starts the next one.
+      auto& fresh = blocks_.emplace_back();
+      fresh.reserve(kMaxBlock);
+      fresh.push_back(Entry{std::string(s), object});
+      firstTouched = std::min(firstTouched, b + 1);
+      ++count_;
+      continue;
+    }
+    block->insert(at, Entry{std::string(s), object});
+    ++count_;
+    firstTouched = std::min(firstTouched, b);
+    if (static_cast<int>(block->size()) > kMaxBlock) {
+      std::vector<Entry> upper(std::make_move_iterator(block->begin() + kMaxBlock / 2),
+                               std::make_move_iterator(block->end()));
+      block->resize(kMaxBlock / 2);
+      blocks_.insert(blocks_.begin() + b + 1, std::move(upper));
+    }
+  }
+  settle();
+}
+
 void TStringList::Insert(int index, std::string_view s, void* object) {
   if (sorted_) {
     Add(s, object);
@@ -213,9 +271,11 @@ void TStringList::Delete(int index) {
     blocks_.erase(blocks_.begin() + p.block);
     starts_.erase(starts_.begin() + p.block);
     if (p.block < static_cast<int>(blocks_.size())) RecountFrom(p.block);
-  } else {
-    RecountFrom(p.block);
+    return;
   }
+  // Only the blocks after this one start one earlier: a loop over the starts alone, as
+  // InsertAt does, instead of counting every later block again.
+  for (size_t b = static_cast<size_t>(p.block) + 1; b < starts_.size(); ++b) --starts_[b];
 }
 
 void TStringList::Exchange(int a, int b) {

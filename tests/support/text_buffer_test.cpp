@@ -27,6 +27,25 @@ TEST(TextBufferTest, ConvertsEveryLineEndToCrLf) {
   }
 }
 
+// The cases where a text that looks CR LF at first is not, or a line end sits at either
+// end of the text or beside a NUL.
+TEST(TextBufferTest, ConvertsAlmostCleanTexts) {
+  using namespace std::string_view_literals;
+  struct Case {
+    std::string_view in, out;
+  } cases[] = {
+      {"\r\r\n"sv, "\r\n\r\n"sv},
+      {"\na"sv, "\r\na"sv},
+      {"a\r"sv, "a\r\n"sv},
+      {"a\r\nb\r"sv, "a\r\nb\r\n"sv},
+      {"\r\n\n"sv, "\r\n\r\n"sv},
+      {"x\0\ny\r\n"sv, "x\0\r\ny\r\n"sv},
+      {"x\0\r\ny\r\n"sv, "x\0\r\ny\r\n"sv},
+      {"\r"sv, "\r\n"sv},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ToBufferForm(c.in), c.out) << c.in;
+}
+
 TEST(TextBufferTest, WritesBackInTheFileStyle) {
   const std::string buffer = "a\r\nb\r\n";
   EXPECT_EQ(FromBufferForm(buffer, TLineEndStyle::Lf), "a\nb\n");
