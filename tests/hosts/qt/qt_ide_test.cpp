@@ -61,6 +61,8 @@ class TQtHostTest : public QObject {
   void editWindowFoundByClassName();
   void classViewOfExampleProject();
   void filterKeepsParentsOfMatches();
+  void statusAndProgressWhileParsing();
+  void enterJumpsToTheDeclaration();
   void editorReaderReadsUnsavedText();
   void writerChangesTheEditorInOneStep();
   void saveKeepsTheFilesLineEnds();
@@ -166,6 +168,49 @@ void TQtHostTest::filterKeepsParentsOfMatches() {
   QVERIFY2(!shown.contains("TCostModel"), qPrintable(shown));
   browser.FilterBox()->clear();
   QVERIFY(browser.TreeText(TClassView::pgClasses).contains("TCostModel"));
+}
+
+void TQtHostTest::statusAndProgressWhileParsing() {
+  TQtIDE ide;
+  QVERIFY(ide.OpenProjectFile(CopyExample().toStdString()));
+  // The parse runs on a worker: until the event loop hands its result over, the window
+  // says what it is doing.
+  QVERIFY(ide.Parsing());
+  QCOMPARE(ide.StatusBar().currentMessage(), QStringLiteral("Parsing Project KilnLog.bpr"));
+  QVERIFY(!ide.Progress().isHidden());
+  QTRY_VERIFY_WITH_TIMEOUT(!ide.Parsing(), 30000);
+  QCOMPARE(ide.StatusBar().currentMessage(), QStringLiteral("Ready"));
+  QVERIFY(ide.Progress().isHidden());
+  QCOMPARE(ide.Progress().value(), ide.Progress().maximum());
+  // A project that cannot be read changes nothing.
+  QVERIFY(!ide.OpenProjectFile(QDir(home_.path()).filePath("missing.bpr").toStdString()));
+  QVERIFY(QString::fromStdString(ide.ProjectName()).endsWith("KilnLog.bpr"));
+  QCOMPARE(ide.Reports().size(), size_t{1});
+}
+
+void TQtHostTest::enterJumpsToTheDeclaration() {
+  TQtIDE ide;
+  OpenExample(ide);
+  QTreeWidget* tree = ide.ClassBrowser().Tree(TClassView::pgClasses);
+  const struct {
+    const char* Item;  ///< a class of the project root
+    const char* File;
+    int Line;
+  } cases[] = {
+      {"TFiring", "FiringTypes.h", 58},
+      {"IExporter", "ExportUnit.pas", 22},
+  };
+  for (const auto& c : cases) {
+    const auto found = tree->findItems(c.Item, Qt::MatchExactly | Qt::MatchRecursive);
+    QVERIFY2(!found.isEmpty(), c.Item);
+    tree->setCurrentItem(found.first());
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_Return);
+    QVERIFY2(QString::fromStdString(ide.CurrentFile()).endsWith(c.File), c.Item);
+    int line = 0, index = 0;
+    ide.EditorOf(ide.CurrentFile())->getCursorPosition(&line, &index);
+    QCOMPARE(line + 1, c.Line);
+  }
 }
 
 void TQtHostTest::editorReaderReadsUnsavedText() {
