@@ -8,6 +8,16 @@ class App;
 
 namespace velmora::app {
 
+/// `velmora [tree] [PROJECT] [--json | --stats] [--filter NAME] [member switches]`: the main job
+void AddTreeCommand(CLI::App& app);
+/// `velmora hierarchy [CLASS] [PROJECT]`
+void AddHierarchyCommand(CLI::App& app);
+/// `velmora find TEXT [PROJECT] [--match-case] [--whole-word]`
+void AddFindCommand(CLI::App& app);
+/// `velmora files [PROJECT]`
+void AddFilesCommand(CLI::App& app);
+/// `velmora watch [PROJECT]`
+void AddWatchCommand(CLI::App& app);
 /// `velmora tokens FILE...`
 void AddTokensCommand(CLI::App& app);
 /// `velmora dump [--json | --stats] [--follow-includes] [--include-path DIR]... FILE...`
@@ -16,6 +26,12 @@ void AddDumpCommand(CLI::App& app);
 void AddSettingsCommand(CLI::App& app);
 /// `velmora register-types [--icons DIR]`
 void AddRegisterTypesCommand(CLI::App& app);
+/// `velmora goto [PROJECT] CLASS[::MEMBER] [--impl|--decl] [--params TEXT] [--json]`
+void AddGotoCommand(CLI::App& app);
+/// `velmora add-field|add-method|add-property [PROJECT] --class C ...`
+void AddMemberCommands(CLI::App& app);
+/// `velmora marker insert KIND FILE:LINE [ARG] [--dry-run]`
+void AddMarkerCommand(CLI::App& app);
 /// `velmora lsp [--project FILE]`
 void AddLspCommand(CLI::App& app);
 

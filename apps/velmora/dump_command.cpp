@@ -9,9 +9,9 @@
 #include "model/class_info_file.h"
 #include "model/class_list.h"
 #include "model/files.h"
+#include "model/model_json.h"
 #include "model/model_text.h"
-#include "model_json.h"
-#include "project_parse.h"
+#include "parsing/project_parse.h"
 
 namespace velmora::app {
 namespace {
@@ -24,6 +24,7 @@ struct DumpOptions {
   std::vector<std::string> files;
   std::string save;
   std::string load;
+  int jobs = 0;  ///< parsing threads; 0 for one per core
 };
 
 int CountMembers(const TCommonClassList& list) {
@@ -49,7 +50,7 @@ int RunDump(const DumpOptions& o) {
       return 1;
     }
   } else {
-    TProjectParseRequest request{o.files, o.followIncludes, o.includePath};
+    TProjectParseRequest request{o.files, o.followIncludes, o.includePath, o.jobs};
     parsed = ParseProject(request, files, classes);
     for (const std::string& error : parsed.Errors) std::cerr << "velmora: " << error << '\n';
     if (!parsed.Errors.empty()) status = 1;
@@ -89,6 +90,9 @@ void AddDumpCommand(CLI::App& app) {
   cmd->add_option("--include-path", options->includePath,
                   "Folder searched for included files, after the including file's own")
       ->allow_extra_args(false);
+  cmd->add_option("-j,--jobs", options->jobs,
+                  "Threads that parse (default: one per core); the output is the same for any")
+      ->check(CLI::NonNegativeNumber);
   cmd->add_option("--save", options->save, "Also write the model as a class information file");
   auto* load = cmd->add_option("--load", options->load,
                                "Print a saved class information file instead of parsing");

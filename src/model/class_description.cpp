@@ -16,7 +16,8 @@ thread_local int loadNesting = 0;
 
 struct NestingGuard {
   NestingGuard() {
-    if (loadNesting >= kMaxLoadNesting) throw EClassInfoFileError(kNestedTooDeeply, 0);
+    if (loadNesting >= kMaxLoadNesting)
+      throw EClassInfoFileError(kNestedTooDeeply, TClassInfoErrorKind::NothingUsable);
     ++loadNesting;
   }
   ~NestingGuard() { --loadNesting; }

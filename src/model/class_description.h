@@ -126,8 +126,6 @@ class TClassDescription : public TCodeObject {
   TDomain* Domain = nullptr;  ///< set when domains are linked; not saved
   TClassAncestorList Ancestors;
   std::string DefaultAncestor;  ///< "TObject" for Pascal, empty for C++
-  /// Five flags for the views and parsers, false when created, never saved.
-  std::array<bool, 5> Flags = {false, false, false, false, false};
   std::string UnitName;
   TMethodDescriptionList Methods;
   TFieldDescriptionList Fields;

@@ -5,7 +5,7 @@
 namespace velmora {
 
 void ThrowUnexpectedEnd() {
-  throw EClassInfoFileError(kUnexpectedEndOfFile, 0);
+  throw EClassInfoFileError(kUnexpectedEndOfFile, TClassInfoErrorKind::NothingUsable);
 }
 
 namespace {

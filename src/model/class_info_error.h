@@ -1,6 +1,6 @@
 // The failure of reading class information, the messages a user sees about the model's
 // files, and the checked reads every record loader goes through: any short read raises
-// EClassInfoFileError kind 0 with kUnexpectedEndOfFile.
+// EClassInfoFileError (nothing usable) with kUnexpectedEndOfFile.
 #pragma once
 
 #include <cstdint>
@@ -12,13 +12,19 @@ namespace velmora {
 
 class TStream;
 
-/// ErrorKind tells how far a load got: 0 nothing usable beyond what was read, 1 the files
-/// list is complete, 2 the files and the domains are complete.
+/// How far a load got before it failed, which says what of the file is usable. The
+/// numbers are those the messages and the user's choices have always been keyed to.
+enum class TClassInfoErrorKind : uint8_t {
+  NothingUsable = 0,    ///< nothing usable beyond what was read
+  FilesRestored = 1,    ///< the files list is complete
+  DomainsRestored = 2,  ///< the files and the domains are complete
+};
+
 class EClassInfoFileError : public Exception {
  public:
-  EClassInfoFileError(std::string message, int errorKind)
+  EClassInfoFileError(std::string message, TClassInfoErrorKind errorKind)
       : Exception(std::move(message)), ErrorKind(errorKind) {}
-  int ErrorKind;
+  TClassInfoErrorKind ErrorKind;
 };
 
 inline constexpr char kUnexpectedEndOfFile[] =
@@ -67,6 +73,7 @@ uint32_t LoadU32(TStream& stream);
 int32_t LoadI32(TStream& stream);
 bool LoadBool(TStream& stream);
 std::string LoadString(TStream& stream);
+/// Raises EClassInfoFileError (nothing usable) with kUnexpectedEndOfFile.
 [[noreturn]] void ThrowUnexpectedEnd();
 
 }  // namespace velmora

@@ -10,7 +10,7 @@
 namespace velmora {
 namespace {
 
-TModelFileOutcome Failure(int kind, std::string message) {
+TModelFileOutcome Failure(std::optional<TClassInfoErrorKind> kind, std::string message) {
   return TModelFileOutcome{.Ok = false, .ErrorKind = kind, .Message = std::move(message)};
 }
 
@@ -53,14 +53,14 @@ std::string FormatMessage(std::string_view pattern, std::initializer_list<std::s
 
 TModelFileOutcome LoadClassInfoFileReported(const std::string& path, TFilesList& files,
                                             TClasslist& classes) {
-  if (!IsRegularFile(path)) return Failure(-1, FormatMessage(kClassInfoMissing, {path}));
+  if (!IsRegularFile(path)) return Failure(std::nullopt, FormatMessage(kClassInfoMissing, {path}));
   try {
     LoadClassInfoFile(path, files, classes);
     return {};
   } catch (const EClassInfoFileError& e) {
     return Failure(e.ErrorKind, FormatMessage(kClassInfoLoadFailed, {path, e.Message()}));
   } catch (const Exception& e) {
-    return Failure(-1, FormatMessage(kClassInfoLoadFailed, {path, e.Message()}));
+    return Failure(std::nullopt, FormatMessage(kClassInfoLoadFailed, {path, e.Message()}));
   }
 }
 
@@ -70,7 +70,7 @@ TModelFileOutcome SaveClassInfoFileReported(const std::string& path, const TFile
     SaveClassInfoFile(path, files, classes);
     return {};
   } catch (const Exception& e) {
-    return Failure(-1, FormatMessage(kClassInfoSaveFailed, {path, e.Message()}));
+    return Failure(std::nullopt, FormatMessage(kClassInfoSaveFailed, {path, e.Message()}));
   }
 }
 
@@ -82,7 +82,7 @@ TModelFileOutcome LoadDomainFileReported(const std::string& path, std::string_vi
   } catch (const EClassInfoFileError& e) {
     return Failure(e.ErrorKind, FormatMessage(kDomainInfoLoadFailed, {projectName, e.Message()}));
   } catch (const Exception& e) {
-    return Failure(-1, FormatMessage(kDomainInfoLoadFailed, {projectName, e.Message()}));
+    return Failure(std::nullopt, FormatMessage(kDomainInfoLoadFailed, {projectName, e.Message()}));
   }
 }
 
@@ -92,7 +92,7 @@ TModelFileOutcome SaveDomainFileReported(const std::string& path, std::string_vi
     domains.SaveToFile(path);
     return {};
   } catch (const Exception& e) {
-    return Failure(-1, FormatMessage(kDomainInfoSaveFailed, {projectName, e.Message()}));
+    return Failure(std::nullopt, FormatMessage(kDomainInfoSaveFailed, {projectName, e.Message()}));
   }
 }
 

@@ -5,7 +5,9 @@
 // Threads: the caller holds the class list's lock for the whole save or load.
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,6 +16,7 @@ namespace velmora {
 class TClasslist;
 class TDomainList;
 class TFilesList;
+enum class TClassInfoErrorKind : uint8_t;
 
 /// Writes files then classes into one block and puts it in place of `path` in one step
 /// (temporary file beside it, flushed, renamed over it). Raises EStreamError, leaving the
@@ -31,9 +34,9 @@ std::string FormatMessage(std::string_view pattern, std::initializer_list<std::s
 /// What a save or load came to, put the way the user is told.
 struct TModelFileOutcome {
   bool Ok = true;
-  /// The EClassInfoFileError kind of a failed load (what is usable: 1 the files, 2 the
-  /// files and domains); -1 when the file itself could not be read or written.
-  int ErrorKind = -1;
+  /// The EClassInfoFileError kind of a failed load (what of the file is usable); empty
+  /// when Ok, and when the file itself could not be read or written.
+  std::optional<TClassInfoErrorKind> ErrorKind;
   /// The message for the user; empty when Ok.
   std::string Message;
 };

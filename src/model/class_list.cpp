@@ -209,7 +209,8 @@ void TClasslist::NotifyAll(int index) {
 void TClasslist::LoadFromStream(TStream& stream) {
   Clear();
   Domains.LoadFromStream(stream, true);
-  if (LoadU32(stream) != kClassMarker) throw EClassInfoFileError(kFilesAndDomainsRestored, 2);
+  if (LoadU32(stream) != kClassMarker)
+    throw EClassInfoFileError(kFilesAndDomainsRestored, TClassInfoErrorKind::DomainsRestored);
   ListString = LoadString(stream);
   TCommonClassList::LoadFromStream(stream);
   Domains.LinkClasses();

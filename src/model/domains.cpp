@@ -170,7 +170,8 @@ void TDomainList::NotifyAll(int index) {
 
 void TDomainList::LoadFromStream(TStream& stream, bool withMarker) {
   Clear();
-  if (withMarker && LoadU32(stream) != kDomainMarker) throw EClassInfoFileError(kFilesRestored, 1);
+  if (withMarker && LoadU32(stream) != kDomainMarker)
+    throw EClassInfoFileError(kFilesRestored, TClassInfoErrorKind::FilesRestored);
   // Appended and sorted once at the end, so that a file claiming very many domains costs
   // no more than reading them.
   try {

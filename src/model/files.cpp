@@ -75,7 +75,7 @@ void TFilesList::LoadFromStream(TStream& stream) {
   std::string banner;
   if (!stream.TryReadFixed(banner, kClassInfoBanner.size()) || banner != kClassInfoBanner ||
       LoadU32(stream) != kClassInfoVersion)
-    throw EClassInfoFileError(kInvalidVersion, 0);
+    throw EClassInfoFileError(kInvalidVersion, TClassInfoErrorKind::NothingUsable);
   for (uint32_t n = LoadU32(stream); n > 0; --n) {
     // The record holds the language; the constructor's is overwritten.
     auto file = std::make_unique<TFileDescription>(TLanguage::Cpp);

@@ -95,19 +95,10 @@ constexpr auto kKnownMacros = [] {
 static_assert(std::adjacent_find(kKnownMacros.begin(), kKnownMacros.end()) == kKnownMacros.end(),
               "a macro name is listed twice");
 
+// The close of a group CollectBracket counts: the bracket pairs of the token table, and
+// `<` with `>` for template argument lists.
 int CloseKindOf(int openKind) {
-  switch (openKind) {
-    case ctOpenBrace:
-      return ctCloseBrace;
-    case ctLess:
-      return ctGreater;
-    case ctOpenParen:
-      return ctCloseParen;
-    case ctOpenBracket:
-      return ctCloseBracket;
-    default:
-      return -1;
-  }
+  return openKind == ctLess ? ctGreater : CppClosingKind(openKind);
 }
 
 }  // namespace
@@ -116,6 +107,7 @@ bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, b
   text.clear();
   const int closeKind = CloseKindOf(openKind);
   if (closeKind < 0) return false;
+  VELMORA_DCHECK(tokenizer.Kind() == openKind, "CollectBracket starts on the group's opener");
   int depth = 1;
   bool inBlanks = false;  // the last thing collected was the blank of a run
   for (;;) {
@@ -226,7 +218,9 @@ void TCPPBaseParser::Parse() {
   // the step below always moves on. A parser that stopped keeps its last token (a class
   // body's `}`) under the cursor for whoever called it.
   while (!Stopped && t.Kind() != ctEndOfText) {
+    [[maybe_unused]] const int32_t start = t.Index();
     HandleToken();
+    VELMORA_DCHECK(t.Index() >= start, "a handler never leaves the cursor before its token");
     if (Stopped) break;
     t.NextSignificant();
   }
@@ -254,6 +248,7 @@ uint16_t ModifierDirective(int kind) {
 }
 
 bool CollectTemplateArguments(TCPPTokenizer& tokenizer, std::string* text) {
+  VELMORA_DCHECK(tokenizer.Kind() == ctLess, "template arguments start on their `<`");
   if (text) text->clear();
   int depth = 1;
   int parens = 0;

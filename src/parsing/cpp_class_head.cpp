@@ -10,14 +10,6 @@ using namespace cpp_parser;
 
 namespace {
 
-// The kind of the next significant token; the cursor stays where it is.
-int PeekSignificant(TCPPTokenizer& t) {
-  const TCursorState here = SaveCursor(t);
-  const int kind = t.NextSignificant();
-  RestoreCursor(t, here);
-  return kind;
-}
-
 // Reads the base clause from the `:` at the cursor up to the body. Access is private until
 // a keyword says otherwise, also for a struct; of a qualified name the last identifier
 // wins (`ns::Base` gives `Base`), and template arguments are no names of their own. Ends
@@ -69,19 +61,113 @@ int ReadAncestors(TCPPTokenizer& t, TClassAncestorList& ancestors) {
   }
 }
 
+// Kinds that start no member a word before them could be part of: a section, the end of
+// the body, or a declaration the body reads on its own. A macro name right before one of
+// them stands alone. (Before a member's type or modifiers it joins that type, as an export
+// macro does.)
+bool StartsSectionOrOwnDeclaration(int kind) {
+  switch (kind) {
+    case ctPublic:
+    case ctPrivate:
+    case ctProtected:
+    case ctPublished_2:
+    case ctAutomated_2:
+    case ctCloseBrace:
+    case ctFriend:
+    case ctTemplate:
+    case ctTypedef:
+    case ctUsing:
+    case ctEnum:
+    case ctClass:
+    case ctStruct:
+    case ctUnion:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Kinds that carry on a declaration after its parameter list.
+bool ContinuesDeclarator(int kind, std::string_view text) {
+  switch (kind) {
+    case ctSemicolon:
+    case ctConst:
+    case ctAssign:
+    case ctOpenBrace:
+    case ctBraces:
+    case ctColon:
+    case ctThrow:
+    case ctVolatile:
+    case ctArrow:
+      return true;
+    case ctIdentifier:
+      return text == "override" || text == "final" || text == "noexcept";
+    default:
+      return false;
+  }
+}
+
+// At a macro-like word that begins a member: true when it is a macro written on a line of
+// its own with no `;` (`Q_OBJECT`, `Q_GADGET`, an annotation before a declaration such as
+// `Q_DECLARE_PRIVATE` without arguments), as what follows shows: a section label, a
+// declaration the body reads on its own, or a macro called on its own. A word followed by
+// a member (`DWORD FCount;`, `EXPORT_API int Count;`, `BOOL CALLBACK Enum(...)`) joins
+// that member's type. The cursor does not move.
+// The next significant token after any directive lines (`Q_OBJECT` then `#endif`).
+int NextPastDirectives(TCPPTokenizer& t) {
+  int kind = t.NextSignificant();
+  while (IsDirectiveKind(kind)) {
+    std::string unused;
+    ReadRestOfLine(t, false, unused);
+    kind = t.NextSignificant();
+  }
+  return kind;
+}
+
+bool StandsAlone(TCPPTokenizer& t, std::string_view owner, int depth = 0) {
+  const std::string_view word = t.TokenView(t.Index());
+  // `DYNAMIC` is a directive, which the member's own walk reads.
+  if (word == owner || word == "DYNAMIC" || !LooksLikeMacroName(word)) return false;
+  const TCursorState here = SaveCursor(t);
+  bool alone = false;
+  const int next = NextPastDirectives(t);
+  if (StartsSectionOrOwnDeclaration(next)) {
+    alone = true;
+  } else if (next == ctIdentifier) {
+    const std::string_view nextWord = t.TokenView(t.Index());
+    const TCursorState atNext = SaveCursor(t);
+    const int after = NextPastDirectives(t);
+    if (after == ctColon) {
+      alone = true;  // `Q_OBJECT` then `signals:`
+    } else if ((after == ctOpenParen || after == ctParens) && LooksLikeMacroName(nextWord) &&
+               nextWord != owner) {
+      // `Q_OBJECT` then `Q_PROPERTY(...)`: a macro call that no declarator follows.
+      std::string unused;
+      if (after == ctOpenParen) CollectBracket(t, ctOpenParen, unused, false);
+      const int then = NextPastDirectives(t);
+      alone = !ContinuesDeclarator(then, t.TokenView(t.Index()));
+    } else if (depth < 3) {
+      RestoreCursor(t, atNext);
+      alone = StandsAlone(t, owner, depth + 1);  // `Q_OBJECT QML_ELEMENT public:`
+    }
+  }
+  RestoreCursor(t, here);
+  return alone;
+}
+
 }  // namespace
 
 // ---- TCPPClassFinderParser ----
 
-TCPPClassFinderParser::TCPPClassFinderParser(std::string_view fileName, uint8_t option,
-                                             TClasslist* target)
-    : FileName(fileName), Target(target), Option(option) {}
+TCPPClassFinderParser::TCPPClassFinderParser(std::string_view fileName, TClasslist* target)
+    : FileName(fileName), Target(target) {}
 
 TCPPClassFinderParser::TCPPClassFinderParser(TCPPTokenizer& shared, std::string_view fileName,
                                              TClasslist* target, int nesting)
     : TCPPBaseParser(shared), FileName(fileName), Target(target), Nesting(nesting) {}
 
 void TCPPClassFinderParser::ReadTemplateHead() {
+  VELMORA_DCHECK(tokenizer_->Kind() == ctTemplate, "a template head starts on `template`");
   if (tokenizer_->NextSignificant() != ctLess) return;
   CollectTemplateArguments(*tokenizer_, &TemplateParams);
   TemplateParams = Trim(TemplateParams);
@@ -90,6 +176,7 @@ void TCPPClassFinderParser::ReadTemplateHead() {
 
 TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDescription* outer) {
   TCPPTokenizer& t = *tokenizer_;
+  VELMORA_DCHECK(t.Kind() == (isStruct ? ctStruct : ctClass), "a class head starts on its keyword");
   TCursorState before = SaveCursor(t);
   int kind = t.NextSignificant();
   const int32_t startLine = LineHere(t);
@@ -133,27 +220,23 @@ TClassDescription* TCPPClassFinderParser::ParseClassHead(bool isStruct, TClassDe
   if (kind == ctColon) kind = ReadAncestors(t, ancestors);
   if (kind != ctOpenBrace && kind != ctBraces) return nullptr;
 
-  TCommonClassList* list = outer ? outer->NestedClasses() : Target;
-  TClassDescription* cls = list->FindOrAdd(name, TLanguage::Cpp);
+  const bool isTemplate = !isStruct && IsTemplate;
+  TCommonClassList& list = outer ? *outer->NestedClasses() : *Target;
+  TClassDescription* cls = parser_common::RecordClassHead(
+      list, FileName, WantPositions,
+      {.Name = name,
+       .Language = TLanguage::Cpp,
+       .Kind = isStruct     ? TClassKind::Struct
+               : isTemplate ? TClassKind::Template
+                            : TClassKind::Class,
+       .TemplateParams = isTemplate ? std::string_view(TemplateParams) : std::string_view(),
+       .Ancestors = std::move(ancestors.Items),
+       .Start = {startLine, startOffset},
+       .End = {LineHere(t), t.Offset()}});
   if (!cls) {  // a reference list holds no classes of its own
     if (kind == ctOpenBrace) SkipBracket(ctOpenBrace);
     return nullptr;
   }
-  if (WantPositions) cls->GetPositionInfo(true)->Reset();
-  cls->Ancestors.Items = std::move(ancestors.Items);
-  if (isStruct) {
-    cls->ClassKind = TClassKind::Struct;
-    cls->TemplateParams.clear();
-  } else if (IsTemplate) {
-    cls->ClassKind = TClassKind::Template;
-    cls->TemplateParams = TemplateParams;
-  } else {
-    cls->ClassKind = TClassKind::Class;
-    cls->TemplateParams.clear();
-  }
-  cls->UnitName = FileName;
-  cls->SetStart(startLine, startOffset);
-  cls->SetEnd(LineHere(t), t.Offset());
 
   if (kind == ctOpenBrace) {
     if (Nesting >= kMaxClassNesting) {
@@ -179,6 +262,8 @@ TCPPClassParser::TCPPClassParser(TCPPTokenizer& tokenizer, std::string_view file
       Visibility(owner->ClassKind == TClassKind::Struct ? TVisibility::Public
                                                         : TVisibility::Private),
       positions_(wantPositions ? owner->GetPositionInfo(true) : nullptr) {
+  VELMORA_DCHECK(nesting > 0 && nesting <= kMaxClassNesting,
+                 "a class parser runs only as deep as kMaxClassNesting");
   WantPositions = wantPositions;
 }
 
@@ -248,9 +333,18 @@ void TCPPClassParser::HandleToken() {
       // `Q_SIGNALS:`, `slots:`: a word and a colon mark a section for a framework, are no
       // member, and leave the visibility as it was.
       if (kind == ctIdentifier && PeekSignificant(t) == ctColon) {
-        t.NextSignificant();
+        // Signals are public: what `signals` and `Q_SIGNALS` stand for.
+        const std::string_view word = t.TokenView(t.Index());
+        if (word == "signals" || word == "Q_SIGNALS") {
+          ReadSection(TVisibility::Public);
+        } else {
+          t.NextSignificant();
+        }
         return;
       }
+      // A macro line with no `;`, which would otherwise join the next member's type or
+      // swallow the section label after it.
+      if (kind == ctIdentifier && StandsAlone(t, Owner->Name)) return;
       ParseMemberDeclaration();
       return;
   }

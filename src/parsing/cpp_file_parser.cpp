@@ -11,9 +11,9 @@ namespace velmora {
 
 using namespace cpp_parser;
 
-TCPPFileParser::TCPPFileParser(std::string_view fileName, uint8_t option, TClasslist* target,
+TCPPFileParser::TCPPFileParser(std::string_view fileName, uint8_t /*option*/, TClasslist* target,
                                const TMemoryStream* stream)
-    : TCPPClassFinderParser(fileName, option, target), Stream(stream) {
+    : TCPPClassFinderParser(fileName, target) {
   if (stream) {
     // The size is only kept by the tokenizer; the scan stops at the NUL after the text.
     const int64_t size = std::min<int64_t>(stream->Size(), std::numeric_limits<int32_t>::max());
@@ -69,8 +69,6 @@ void TCPPFileParser::HandleToken() {
       return;
     case ctCloseBrace:
       --Depth;
-      if (Namespaces.Count() > 0 && Namespaces.Items(Namespaces.Count() - 1).Depth == Depth)
-        Namespaces.Delete(Namespaces.Count() - 1);
       return;
     case ctOpenBrace:
       if (ExternBlock)

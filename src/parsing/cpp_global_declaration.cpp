@@ -106,6 +106,18 @@ void ReadOperator(TCPPTokenizer& t, TDeclaration& d) {
 
 namespace cpp_parser {
 
+bool LooksLikeMacroName(std::string_view word) {
+  bool capital = false;
+  for (const char c : word) {
+    if (c >= 'A' && c <= 'Z') {
+      capital = true;
+    } else if (!(c >= '0' && c <= '9') && c != '_') {
+      return false;
+    }
+  }
+  return capital;
+}
+
 // Stops at the `,` or `;` at the outer level only: a value is often a call or a list.
 bool SkipInitializer(TCPPTokenizer& t, bool& cut) {
   std::string unused;
@@ -172,6 +184,11 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
         blank = true;
         break;
       case ctIdentifier: {
+        if (t.TokenView(t.Index()) == "DYNAMIC") {
+          // C++Builder's word for a dynamic method: a directive, no part of the result type.
+          d.Directives |= DirectiveBit(TDirective::Dynamic);
+          break;
+        }
         const TWordRole role = RoleOf(t.TokenView(t.Index()));
         if (role == TWordRole::Assertion) {
           // `static_assert(...);` declares nothing.
@@ -190,6 +207,26 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
         blank = false;
         break;
       }
+      case ctNamespace:
+      case ctClass:
+      case ctStruct:
+      case ctUnion:
+      case ctEnum:
+      case ctTemplate:
+      case ctTypedef:
+      case ctUsing:
+      case ctExtern:
+        if (!inClass && d.Type.empty() && !d.Name.empty()) {
+          // A macro on a line of its own (`QT_BEGIN_NAMESPACE`, `QT_WARNING_POP`) before
+          // a declaration file level reads by itself: the word declares nothing, and the
+          // keyword is left to the caller, like a `}`, so the class or namespace after it
+          // is not passed over as this declaration's initializer.
+          RestoreCursor(t, before);
+          d.Cut = true;
+          return;
+        }
+        appendToType(t.TokenView(t.Index()));
+        break;
       case ctOperator:
         flushName();
         ReadOperator(t, d);
@@ -239,6 +276,23 @@ void WalkDeclaration(TCPPTokenizer& t, TDeclarationScope scope, TDeclaration& d)
       case ctOpenBrace:
         CollectBracket(t, kind, group, false);
         return;
+      case ctStatic:
+        // A storage class, no part of the type: a generated implementation must not repeat
+        // it. In a class it makes the method one of the class.
+        if (inClass) d.Directives |= DirectiveBit(TDirective::ClassMethod);
+        break;
+      case ctExplicit:
+        break;
+      case ctColon:
+        if (inClass && !d.Name.empty()) {
+          // A bit-field (`uint isWidget : 1;`): the width is passed like an initializer.
+          if (!SkipInitializer(t, d.Cut)) return;
+          d.DeclaratorList = true;
+          CollectRest(t, &d.Rest, d.Cut);
+          return;
+        }
+        appendToType(t.TokenView(t.Index()));
+        break;
       case ctTilde:
         if (inClass) {
           d.IsDestructor = true;
@@ -289,6 +343,9 @@ void TCPPFileParser::ParseGlobalDeclaration() {
   }
   const std::string_view name = Trim(d.Name);
   if (name.empty()) return;
+  // A macro's name with no result type before it: a macro called at file level
+  // (`Q_DECLARE_TYPEINFO(X, Y);`), no prototype.
+  if (Trim(d.Type).empty() && LooksLikeMacroName(name)) return;
   TParameterList params(TLanguage::Cpp);
   params.Parse(d.Params);
   TProcDescription* routine =

@@ -55,6 +55,29 @@ bool ReadFunctionPointer(TCPPTokenizer& t, TDeclaration& d) {
   return true;
 }
 
+// The declarators after a list's first comma without their bit-field widths
+// (`b : 2, c : 3` gives `b, c`): a width is no part of a name. A `::` is no width.
+std::string WithoutBitWidths(std::string_view rest) {
+  std::string out;
+  bool inWidth = false;
+  for (size_t i = 0; i < rest.size(); ++i) {
+    const char c = rest[i];
+    if (c == ',') {
+      inWidth = false;
+    } else if (c == ':' && !inWidth) {
+      const bool scope =
+          (i + 1 < rest.size() && rest[i + 1] == ':') || (i > 0 && rest[i - 1] == ':');
+      if (!scope) {
+        inWidth = true;
+        while (!out.empty() && out.back() == ' ') out.pop_back();
+        continue;
+      }
+    }
+    if (!inWidth) out += c;
+  }
+  return out;
+}
+
 }  // namespace
 
 void TCPPClassParser::ParseMemberDeclaration() {
@@ -83,10 +106,29 @@ void TCPPClassParser::ParseMemberDeclaration() {
     // initializer list with the body, the body itself (both make the method inline), or
     // `= 0`.
     uint16_t directives = d.Directives;
+    // No type and not the class's name: a macro call, unless what follows shows a function.
+    const bool typeless =
+        !d.IsOperator && !d.IsDestructor && name != Owner->Name && Trim(d.Type).empty();
+    bool continued = false;  // a body, an initializer list, `const` or `= ...` followed
     if (t.Kind() != ctSemicolon) {
       TCursorState after = SaveCursor(t);
       int next = t.NextSignificant();
+      if (next == ctConst && typeless) {
+        // `Q_DISABLE_COPY(X)` then `const QString &name() const;`: a name or a type word
+        // after the `const` makes it the start of the next member.
+        const TCursorState atConst = SaveCursor(t);
+        const int following = t.NextSignificant();
+        const std::string_view word = t.TokenView(t.Index());
+        RestoreCursor(t, atConst);
+        if ((following == ctIdentifier && word != "override" && word != "final" &&
+             word != "noexcept") ||
+            kTypeWordKinds.Contains(following)) {
+          RestoreCursor(t, after);
+          return;
+        }
+      }
       if (next == ctConst) {
+        continued = true;
         directives |= DirectiveBit(TDirective::Const);
         after = SaveCursor(t);
         next = t.NextSignificant();
@@ -94,17 +136,21 @@ void TCPPClassParser::ParseMemberDeclaration() {
       PassTrailingSpecifiers(t, next, after);
       switch (next) {
         case ctColon:
+          continued = true;
           directives |= DirectiveBit(TDirective::ImplicitInline);
           if (SkipTo({ctOpenBrace, ctBraces}) == ctOpenBrace) SkipBracket(ctOpenBrace);
           break;
         case ctOpenBrace:
+          continued = true;
           directives |= DirectiveBit(TDirective::ImplicitInline);
           SkipBracket(ctOpenBrace);
           break;
         case ctBraces:
+          continued = true;
           directives |= DirectiveBit(TDirective::ImplicitInline);
           break;
         case ctAssign: {
+          continued = true;
           // `= 0` makes the method abstract; `= default` and `= delete` do not.
           const int value = t.NextSignificant();
           if (value != ctDefault && value != ctDelete)
@@ -125,6 +171,12 @@ void TCPPClassParser::ParseMemberDeclaration() {
       }
     }
 
+    // A name and an argument list with no type before them, not the class's own name, and
+    // nothing after them that only a function has: no method, but a macro called in the
+    // body (`Q_PROPERTY(...)`, `Q_ENUM(X)`, `Q_DISABLE_COPY(X)`), whose expansion is not
+    // ours to guess.
+    if (!continued && typeless) return;
+
     TParameterList params(TLanguage::Cpp);
     params.Parse(d.Params);
     TMethodDescription* method =
@@ -144,7 +196,8 @@ void TCPPClassParser::ParseMemberDeclaration() {
   std::vector<TFieldDescription*> fields;
   if (d.DeclaratorList) {
     // `int a, *b, c[3];`: every name is a field of its own, sharing the type.
-    const std::string text = std::string(type) + " " + d.Name + d.ArraySuffix + ", " + d.Rest;
+    const std::string text =
+        std::string(type) + " " + d.Name + d.ArraySuffix + ", " + WithoutBitWidths(d.Rest);
     fields = Owner->Fields.AddDeclaratorList(text, Visibility);
   } else {
     TFieldDescription* field = Owner->Fields.FindOrAdd(d.Name, type, Visibility);

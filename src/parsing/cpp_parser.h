@@ -50,7 +50,7 @@ bool CollectBracket(TCPPTokenizer& tokenizer, int openKind, std::string& text, b
 
 /// Moves on (significant tokens only) until the kind at the cursor is in `stops` and
 /// returns it. `{`, `(` and `[` groups are passed whole; when the close of a group is
-/// itself a stop, it is the result. 206 at the end of text.
+/// itself a stop, it is the result. ctUnknownChar at the end of text.
 int SkipTo(TCPPTokenizer& tokenizer, const TTokenKindSet& stops);
 
 /// From a directive token to the end of its line, a backslash continuing the line over
@@ -73,25 +73,12 @@ void SkipMacro(TCPPTokenizer& tokenizer);
 /// its members are not.
 inline constexpr int kMaxClassNesting = 200;
 
-/// A namespace seen at a brace depth. Namespaces are transparent to the parser (classes
-/// are recorded under their plain names), so nothing pushes entries and the stack stays
-/// empty; the file parser still pops it at the brace depth an entry was made at.
-class TNamespaceMapStack {
- public:
-  struct TEntry {
-    int32_t Depth;
-    std::string Name;
-  };
-  int Count() const { return static_cast<int>(entries_.size()); }
-  const TEntry& Items(int i) const { return entries_[i]; }
-  void Add(int32_t depth, std::string_view name) { entries_.push_back({depth, std::string(name)}); }
-  void Delete(int i) { entries_.erase(entries_.begin() + i); }
-  void Clear() { entries_.clear(); }
+// The parsers' state, written down once: every field below says when it is valid and
+// what keeps it so. A parser runs on one thread; the parsers of one file (the file parser
+// and one class parser per class body being read, nested as the bodies nest) share one
+// tokenizer, and only the innermost of them moves its cursor at any time.
 
- private:
-  std::vector<TEntry> entries_;
-};
-
+/// The cursor loop every C++ parser runs.
 class TCPPBaseParser {
  public:
   virtual ~TCPPBaseParser();
@@ -131,16 +118,21 @@ class TCPPBaseParser {
   bool IsKnownMacro() { return velmora::IsKnownMacro(*tokenizer_); }
   void SkipMacro() { velmora::SkipMacro(*tokenizer_); }
 
-  TCPPTokenizer* tokenizer_;                     // never null
-  std::unique_ptr<TCPPTokenizer> ownTokenizer_;  // set when the parser made its tokenizer
-  bool Stopped = false;                          // ends Parse's loop
+  // Never null; the parent parser's tokenizer unless ownTokenizer_ is set.
+  TCPPTokenizer* tokenizer_;
+  // Set only in the parser that made its tokenizer (the file parser); then tokenizer_
+  // points at it.
+  std::unique_ptr<TCPPTokenizer> ownTokenizer_;
+  // Ends Parse's loop; set by a handler, with the cursor on the token that ended the
+  // parser (a class body's `}`), and never cleared.
+  bool Stopped = false;
 };
 
 /// What the file and class parsers share: the target, the pending `template <...>`, and
 /// class heads.
 class TCPPClassFinderParser : public TCPPBaseParser {
  protected:
-  TCPPClassFinderParser(std::string_view fileName, uint8_t option, TClasslist* target);
+  TCPPClassFinderParser(std::string_view fileName, TClasslist* target);
   TCPPClassFinderParser(TCPPTokenizer& shared, std::string_view fileName, TClasslist* target,
                         int nesting);
 
@@ -151,18 +143,29 @@ class TCPPClassFinderParser : public TCPPBaseParser {
   /// null for a forward declaration, a variable of class type or a class without a name.
   TClassDescription* ParseClassHead(bool isStruct, TClassDescription* outer);
 
-  std::string FileName;        // the unit name written into every record
-  TClasslist* Target;          // where classes and routines go; never null
-  std::string TemplateParams;  // the text between `<` and `>` of the last `template`
-  bool IsTemplate = false;     // a `template <...>` head directly precedes the cursor
-  uint8_t Option = 0;          // kept from the constructor
-  int Nesting = 0;             // class bodies around this parser's tokens
+  // The unit name written into every record; the same in all parsers of a file.
+  std::string FileName;
+  // Where classes and routines go; never null, not owned, the same in all parsers of a
+  // file. Its lock is held by the caller for the whole parse.
+  TClasslist* Target;
+  // The text between `<` and `>` of the last `template` head; meaningful only while
+  // IsTemplate is set.
+  std::string TemplateParams;
+  // A `template <...>` head directly precedes the cursor: set by ReadTemplateHead,
+  // cleared by every handler on any token but `class` (and after the class head), so a
+  // template head applies to the class right after it and to nothing later.
+  bool IsTemplate = false;
+  // Class bodies around this parser's tokens: 0 at file level, the parent's plus one in a
+  // class parser, at most kMaxClassNesting (deeper bodies get no parser of their own).
+  int Nesting = 0;
 };
 
 class TCPPFileParser : public TCPPClassFinderParser {
  public:
   /// Parses `stream`'s text (buffer form, NUL-terminated) as the unit `fileName` (the file
-  /// name without its directory) into `target`.
+  /// name without its directory) into `target`. The text is read in the constructor's
+  /// tokenizer and must outlive the parser; a null stream reads as an empty text. The
+  /// option byte is what the parser threads pass on; no C++ parser reads it.
   TCPPFileParser(std::string_view fileName, uint8_t option, TClasslist* target,
                  const TMemoryStream* stream);
 
@@ -179,10 +182,13 @@ class TCPPFileParser : public TCPPClassFinderParser {
   /// (variables, definitions, initializers) is passed over.
   void ParseGlobalDeclaration();
 
-  int32_t Depth = 0;  // brace depth of namespace and extern blocks
-  const TMemoryStream* Stream;
-  TNamespaceMapStack Namespaces;
-  bool ExternBlock = false;  // the next `{` opens a parsed block (after `extern "C"`)
+  // Brace depth of the namespace and `extern "C"` blocks the cursor is in: up at each
+  // such `{`, down at every `}` met at file level. Negative after a stray `}`, which
+  // changes nothing else: namespaces are transparent, and classes keep their plain names.
+  int32_t Depth = 0;
+  // The next `{` opens a parsed block: set on `extern` (with its "C" passed), cleared by
+  // every handler on any token but `{`.
+  bool ExternBlock = false;
 };
 
 class TCPPClassParser : public TCPPClassFinderParser {
@@ -201,9 +207,15 @@ class TCPPClassParser : public TCPPClassFinderParser {
   void ParseMemberDeclaration();
   void ParsePropertyDeclaration();
 
+  // The class whose body is read; never null, owned by Target or by an outer class's
+  // nested classes. Its end is set on the body's `}`, which stops this parser.
   TClassDescription* Owner;
-  TVisibility Visibility;     // the current section
-  TPositionInfo* positions_;  // Owner's position table when positions are wanted, else null
+  // The current section: public for a struct and private for a class until the first
+  // access label, then the last label's.
+  TVisibility Visibility;
+  // Owner's position table when positions are wanted, else null; fixed for the parser's
+  // life.
+  TPositionInfo* positions_;
 };
 
 }  // namespace velmora

@@ -10,8 +10,12 @@
 
 #include "model/code_object.h"
 #include "parsing/cpp_parser.h"
+#include "parsing/parser_common.h"
+#include "support/check.h"
 
 namespace velmora::cpp_parser {
+
+using parser_common::PeekSignificant;
 
 /// The line of the token at the cursor, for the positions the parsers record. Counted from
 /// the text rather than taken from the tracked line: a string or character literal may run
@@ -19,7 +23,7 @@ namespace velmora::cpp_parser {
 /// tracked line does not count those. The parsers ask in text order, which the tokenizer's
 /// count resumes from, so this stays one pass over the text.
 inline int32_t LineHere(const TTokenizer& t) {
-  return t.LineOfOffset(t.Offset());
+  return parser_common::Here(t).Line;
 }
 
 /// `#define` .. `#undef`, the lone `#` included: every directive the parsers pass over.
@@ -67,6 +71,9 @@ void PassTrailingSpecifiers(TCPPTokenizer& tokenizer, int& next, TCursorState& b
 /// false on the `;`, at the end of text, or before a `}`, which is left unread and sets
 /// `cut`.
 bool SkipInitializer(TCPPTokenizer& tokenizer, bool& cut);
+
+/// A word written as macros are: capitals, digits and underscores, a capital among them.
+bool LooksLikeMacroName(std::string_view word);
 
 /// What the walk over one declaration found.
 struct TDeclaration {

@@ -48,6 +48,7 @@ bool ReadAttributes(TCPPTokenizer& t, TPropertyDescription& attributes) {
 
 void TCPPClassParser::ParsePropertyDeclaration() {
   TCPPTokenizer& t = *tokenizer_;
+  VELMORA_DCHECK(t.Kind() == ctProperty_2, "a property starts on `__property`");
   const int32_t startLine = LineHere(t);
   const int32_t startOffset = t.Offset();
   std::string name, type, group;

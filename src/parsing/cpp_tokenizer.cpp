@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstring>
-#include <string>
 
 #include "parsing/keyword_lookup.h"
 #include "parsing/scan_chars.h"
@@ -10,40 +9,45 @@
 namespace velmora {
 namespace {
 
-// In kind order: the kind of kCppKeywords[i] is 10 + i.
-constexpr std::array<std::string_view, 94> kCppKeywords = {
-    "__asm",        "_asm",        "asm",         "auto",     "__automated",
-    "break",        "bool",        "case",        "catch",    "__cdecl",
-    "_cdecl",       "cdecl",       "char",        "class",    "__classid",
-    "__closure",    "const",       "const_cast",  "continue", "__declspec",
-    "default",      "delete",      "__dispid",    "do",       "double",
-    "dynamic_cast", "else",        "enum",        "__except", "explicit",
-    "_export",      "__export",    "extern",      "false",    "__fastcall",
-    "_fastcall",    "__finally",   "float",       "for",      "friend",
-    "goto",         "if",          "__import",    "_import",  "inline",
-    "int",          "__int8",      "__int16",     "__int32",  "__int64",
-    "long",         "mutable",     "namespace",   "new",      "operator",
-    "__pascal",     "_pascal",     "pascal",      "private",  "protected",
-    "__property",   "public",      "__published", "register", "reinterpret_cast",
-    "return",       "__rtti",      "short",       "signed",   "sizeof",
-    "static",       "static_cast", "__stdcall",   "_stdcall", "struct",
-    "switch",       "template",    "this",        "__thread", "throw",
-    "true",         "__try",       "try",         "typedef",  "typename",
-    "typeid",       "union",       "using",       "unsigned", "virtual",
-    "void",         "volatile",    "wchar_t",     "while"};
+// Every kind number, in the table's order.
+constexpr std::array kKindNumbers = {
+#define CPP_TOKEN(Name, Number, KindName) Number,
+#include "parsing/cpp_token_kinds.def"
+};
+static_assert(keywords::StrictlyAscendingBelow(kKindNumbers, 256),
+              "cpp_token_kinds.def: numbers ascending, each used once, below 256");
+
+// The keywords in kind order: the kind of kCppKeywords[i] is kFirstKeywordKind + i.
+constexpr std::array kCppKeywords = {
+#define CPP_KEYWORD(Name, Number, Spelling) std::string_view(Spelling),
+#include "parsing/cpp_token_kinds.def"
+};
+constexpr std::array kCppKeywordKinds = {
+#define CPP_KEYWORD(Name, Number, Spelling) Number,
+#include "parsing/cpp_token_kinds.def"
+};
 constexpr int kFirstKeywordKind = 10;
+static_assert(keywords::RunsFrom(kCppKeywordKinds, kFirstKeywordKind),
+              "cpp_token_kinds.def: the keywords run unbroken from 10");
 constexpr int kMaxKeywordLength = 16;  // reinterpret_cast
+static_assert(keywords::LongestWord(kCppKeywords) == kMaxKeywordLength);
 
 // The words after `#`, with their kinds.
-constexpr std::array<std::string_view, 12> kDirectives = {"define",  "elif", "else",   "endif",
-                                                          "error",   "if",   "ifdef",  "ifndef",
-                                                          "include", "line", "pragma", "undef"};
-constexpr std::array<int, 12> kDirectiveKinds = {
-    ctHashDefine, ctHashElif,   ctHashElse,    ctHashEndif, ctHashError,  ctHashIf,
-    ctHashIfdef,  ctHashIfndef, ctHashInclude, ctHashLine,  ctHashPragma, ctHashUndef};
+constexpr std::array kDirectives = {
+#define CPP_DIRECTIVE(Name, Number, Word) std::string_view(Word),
+#include "parsing/cpp_token_kinds.def"
+};
+constexpr std::array kDirectiveKinds = {
+#define CPP_DIRECTIVE(Name, Number, Word) Name,
+#include "parsing/cpp_token_kinds.def"
+};
+// The parsers pass every directive by its range (IsDirectiveKind), the lone `#` included.
+static_assert(kDirectiveKinds.front() == ctHashDefine && kDirectiveKinds.back() == ctHashUndef &&
+                  ctHash > ctHashDefine && ctHash < ctHashUndef,
+              "cpp_token_kinds.def: the directives run from ctHashDefine to ctHashUndef");
 
-constexpr keywords::TKeywordTable<94, 10> kKeywordTable(kCppKeywords);
-constexpr keywords::TKeywordTable<12, 6> kDirectiveTable(kDirectives);
+constexpr keywords::TKeywordTable<kCppKeywords.size(), 10> kKeywordTable(kCppKeywords);
+constexpr keywords::TKeywordTable<kDirectives.size(), 6> kDirectiveTable(kDirectives);
 
 // What the first character of a token decides. Every punctuator character has a class of
 // its own so that one switch settles the token.
@@ -390,85 +394,14 @@ void TCPPTokenizer::Tokenize() {
 }
 
 std::string_view CppTokenKindName(int kind) {
-  static const std::array<std::string, 256> names = [] {
-    std::array<std::string, 256> n;
-    for (auto& name : n) name = "unused";
-    n[ctEndOfText] = "end";
-    n[ctWhitespace] = "whitespace";
-    n[ctLineEnd] = "line-end";
-    for (size_t i = 0; i < kCppKeywords.size(); ++i)
-      n[kFirstKeywordKind + i] = "kw:" + std::string(kCppKeywords[i]);
-    for (size_t i = 0; i < kDirectives.size(); ++i)
-      n[kDirectiveKinds[i]] = "#" + std::string(kDirectives[i]);
-    n[ctHash] = "#";
-    n[ctHashHash] = "##";
-    n[ctBlockComment] = "block-comment";
-    n[ctLineComment] = "line-comment";
-    n[ctIdentifier] = "identifier";
-    n[ctNumber] = "number";
-    n[ctCharLiteral] = "char";
-    n[ctStringLiteral] = "string";
-    n[ctUnknownPunctuator] = "unknown-punctuator";
-    n[ctUnknownChar] = "unknown-char";
-    const std::pair<int, const char*> punctuators[] = {
-        {ctNot, "!"},
-        {ctNotEqual, "!="},
-        {ctPercent, "%"},
-        {ctPercentAssign, "%="},
-        {ctAmpersand, "&"},
-        {ctLogicalAnd, "&&"},
-        {ctAndAssign, "&="},
-        {ctOpenParen, "("},
-        {ctParens, "()"},
-        {ctCloseParen, ")"},
-        {ctStar, "*"},
-        {ctStarAssign, "*="},
-        {ctPlus, "+"},
-        {ctPlusPlus, "++"},
-        {ctPlusAssign, "+="},
-        {ctComma, ","},
-        {ctMinus, "-"},
-        {ctMinusMinus, "--"},
-        {ctMinusAssign, "-="},
-        {ctArrow, "->"},
-        {ctArrowStar, "->*"},
-        {ctDot, "."},
-        {ctDotDot, ".."},
-        {ctEllipsis, "..."},
-        {ctDotStar, ".*"},
-        {ctSlash, "/"},
-        {ctSlashAssign, "/="},
-        {ctColon, ":"},
-        {ctScope, "::"},
-        {ctSemicolon, ";"},
-        {ctLess, "<"},
-        {ctLessEqual, "<="},
-        {ctShiftLeft, "<<"},
-        {ctShiftLeftAssign, "<<="},
-        {ctAssign, "="},
-        {ctEqual, "=="},
-        {ctGreater, ">"},
-        {ctGreaterEqual, ">="},
-        {ctShiftRight, ">>"},
-        {ctShiftRightAssign, ">>="},
-        {ctQuestionColon, "?:"},
-        {ctOpenBracket, "["},
-        {ctBrackets, "[]"},
-        {ctCloseBracket, "]"},
-        {ctCaret, "^"},
-        {ctCaretAssign, "^="},
-        {ctBar, "|"},
-        {ctLogicalOr, "||"},
-        {ctBarAssign, "|="},
-        {ctTilde, "~"},
-        {ctOpenBrace, "{"},
-        {ctBraces, "{}"},
-        {ctCloseBrace, "}"},
-    };
-    for (const auto& [k, text] : punctuators) n[k] = text;
+  static constexpr std::array<std::string_view, 256> kNames = [] {
+    std::array<std::string_view, 256> n;
+    n.fill("unused");
+#define CPP_TOKEN(Name, Number, KindName) n[Number] = KindName;
+#include "parsing/cpp_token_kinds.def"
     return n;
   }();
-  return static_cast<unsigned>(kind) < 256 ? std::string_view(names[kind]) : "unused";
+  return static_cast<unsigned>(kind) < kNames.size() ? kNames[kind] : "unused";
 }
 
 }  // namespace velmora

@@ -75,6 +75,39 @@ constexpr TPacked PackLiteral(std::string_view word) {
   return w;
 }
 
+/// The numbering rules of a token table, checked at compile time by the scanners: kind
+/// numbers listed in strictly ascending order (so none is used twice) and below `limit`.
+template <size_t N>
+constexpr bool StrictlyAscendingBelow(const std::array<int, N>& numbers, int limit) {
+  for (size_t i = 0; i < N; ++i)
+    if (numbers[i] >= limit || (i > 0 && numbers[i] <= numbers[i - 1])) return false;
+  return true;
+}
+/// Keyword kinds run unbroken from `first`, since a keyword's kind is `first` plus its
+/// place in the keyword table.
+template <size_t N>
+constexpr bool RunsFrom(const std::array<int, N>& numbers, int first) {
+  for (size_t i = 0; i < N; ++i)
+    if (numbers[i] != first + static_cast<int>(i)) return false;
+  return true;
+}
+
+/// The length of the longest word, which bounds the identifiers a scanner looks up.
+template <size_t N>
+constexpr size_t LongestWord(const std::array<std::string_view, N>& words) {
+  size_t longest = 0;
+  for (const std::string_view w : words) longest = w.size() > longest ? w.size() : longest;
+  return longest;
+}
+/// No upper-case letter in any word: a table a scanner looks lowered words up in.
+template <size_t N>
+constexpr bool AllLowerCase(const std::array<std::string_view, N>& words) {
+  for (const std::string_view w : words)
+    for (const char c : w)
+      if (c >= 'A' && c <= 'Z') return false;
+  return true;
+}
+
 template <size_t N, int Bits>
 class TKeywordTable {
  public:

@@ -1,100 +1,74 @@
-// Parser threads: one source file parsed on a background thread together with every file
-// it includes, transitively, and the include relation written into the class list.
+// Parser threads: one source file parsed together with every file it includes,
+// transitively, and the include relation written into the class list.
 //
-// A job calls StartParse and is blocked until the thread signals completion through the
-// process-wide parse semaphore. The thread resolves include names against the including
-// file's folder and the include path, loads each file from disk (never from an editor
-// buffer), runs the file parser of its language into the target and finally rewrites the
-// target's include entry for the root file.
+// Both ways in run the same parse job (parse_job.h) and the same merge (parse_merge.h):
+// StartParse posts the job to the shared parse queue and waits for its result in process
+// (no named semaphore: a release meant for another job can no longer wake this one);
+// TAbstractParserThread runs it on a thread of its own, for a caller that wants to choose
+// the parser or the loading. Either way the job parses into values and the caller's
+// thread merges them into the target once the job has ended.
 //
-// Threads and locks: the parser thread writes into the target without taking its Lock;
-// holding it is the calling job's business. The caller is blocked meanwhile, and
-// StartParse returns only after its own thread has ended, so the caller may read the
-// target at once.
+// Threads and locks: the target is changed only on the caller's thread, after the job
+// has ended, and without taking its Lock: holding it is the calling job's business.
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "parsing/parse_job.h"
 #include "support/stringlist.h"
 #include "support/thread.h"
 
 namespace velmora {
 
 class TClasslist;
-class TMemoryStream;
-class TSemaphore;
-
-/// Told about each file a parser thread has parsed; called on the parser thread, while
-/// the caller of StartParse waits. Must not throw.
-class TParseObserver {
- public:
-  virtual ~TParseObserver() = default;
-  /// `name` as the thread spells it, its text in buffer form, the include names its
-  /// parser reported, and the seconds the parse took (loading excluded).
-  virtual void FileParsed(const std::string& name, const TMemoryStream& text,
-                          const TStringList& includeNames, double seconds) = 0;
-};
 
 /// What the settings decide about a parse; the host fills it from its settings.
-struct TParserThreadOptions {
-  /// Further attempts at a file whose load or parse failed, 100 ms apart.
-  int RetryBudget = 2;
-  TThreadPriority Priority = TThreadPriority::Normal;
-  /// Handed to the Pascal file parser only: its option byte, and whether it goes on past
-  /// `implementation`.
-  bool PascalOption = false;
-  /// Not a setting: lets a caller see each parsed file. Not owned, may be null.
-  TParseObserver* Observer = nullptr;
-};
+using TParserThreadOptions = TParseJobOptions;
 
-/// Parses `fileName` and the files it includes into `target` on a parser thread and
-/// returns when that thread has ended. `includePath` (folders tried in order after the
+/// Parses `fileName` and the files it includes on the shared parse queue, merges the
+/// result into `target` and returns. `includePath` (folders tried in order after the
 /// including file's own) and `knownFiles` (files already current, not parsed again) are
-/// copied; `parsedNames`, when given, receives every file reached besides the root. Raises
-/// ESemaphoreError when the parse semaphore cannot be had; everything else that goes
-/// wrong in a file is retried and then passed over.
+/// copied; `parsedNames`, when given, receives every file reached besides the root.
+/// Every unit parsed replaces its records in `target` (mark, find or add, sweep); the
+/// root's include entry lists the files reached. Whatever goes wrong in a file is retried
+/// and then passed over.
 void StartParse(TClasslist& target, void* context, const std::string& fileName,
                 const TStringList* includePath, const TStringList* knownFiles,
                 TStringList* parsedNames, const TParserThreadOptions& options);
 
+/// The parse request StartParse makes of its arguments.
+TParseRequest MakeParseRequest(const std::string& fileName, const TStringList* includePath,
+                               const TStringList* knownFiles, const TParserThreadOptions& options);
+
+/// A parse job on a thread of its own; the language classes below choose the parser.
+/// Created suspended, freeing itself when it ends: ResumeParserThread starts it, waits
+/// and merges.
 class TAbstractParserThread : public TThread {
  public:
-  /// Created suspended, freeing itself when it ends; opens the parse semaphore by name.
   TAbstractParserThread(const std::string& fileName, const TStringList* includePath,
                         const TStringList* knownFiles, TStringList* parsedNames,
-                        const TParserThreadOptions& options, void* context, TClasslist* target);
+                        const TParserThreadOptions& options, TClasslist* target);
   ~TAbstractParserThread() override;
 
   std::string FileName;      ///< the root file, as the caller spelled it
-  TClasslist* Target;        ///< not owned
-  void* Context;             ///< the caller's; kept, not used here
+  TClasslist* Target;        ///< not owned; changed by ResumeParserThread, never here
   TStringList* ParsedNames;  ///< not owned, may be null
-  TStringList KnownFiles{true, TDuplicates::Ignore, true};
-  std::unique_ptr<TSemaphore> DoneSignal;
-  /// In the caller's order: which of two same-named headers wins is the user's choice.
-  TStringList IncludePath{false, TDuplicates::Ignore, true};
-  uint8_t PascalOption;
-  /// The include names the last parsed file's parser reported.
-  TStringList FoundIncludes{true, TDuplicates::Ignore, false};
-  int RetryBudget;
-  TParseObserver* Observer;
+  TParseRequest Request;     ///< the job: root, include path, known files, options
+  /// Waits between two attempts at a file; the wall clock unless a test sets another.
+  std::function<void(std::chrono::milliseconds)> Pause;
+  /// Where the job's result lands; shared with ResumeParserThread, which outlives the
+  /// thread object.
+  std::shared_ptr<TParseResult> Outcome = std::make_shared<TParseResult>();
 
  protected:
   void Execute() override;
-  /// Runs this thread's file parser over `stream` (buffer form, NUL-terminated) into
-  /// Target and puts the include names it reports into FoundIncludes.
-  virtual void ParseStream(const std::string& fileName, const TMemoryStream& stream) = 0;
+  /// Runs this thread's file parser over `text` (buffer form, NUL after size()).
+  virtual TFileParse ParseStream(const std::string& fileName, std::string text) = 0;
   /// Reads a file whole into buffer form; raises when it cannot be read.
-  virtual std::unique_ptr<TMemoryStream> LoadFile(const std::string& fileName);
-  /// Loads and parses one file, trying again RetryBudget times, 100 ms apart; a file that
-  /// does not exist is passed over, one that keeps failing is given up silently.
-  void ParseFile(const std::string& name);
-  /// Replaces `name` by the existing file it names, seen from `includingFile`.
-  bool ResolveInclude(std::string& name, const std::string& includingFile) const;
-
- private:
-  void ParseAll();
+  virtual std::string LoadFile(const std::string& fileName);
 };
 
 class TCPPParserThread : public TAbstractParserThread {
@@ -102,7 +76,7 @@ class TCPPParserThread : public TAbstractParserThread {
   using TAbstractParserThread::TAbstractParserThread;
 
  protected:
-  void ParseStream(const std::string& fileName, const TMemoryStream& stream) override;
+  TFileParse ParseStream(const std::string& fileName, std::string text) override;
 };
 
 class TPascalParserThread : public TAbstractParserThread {
@@ -110,11 +84,11 @@ class TPascalParserThread : public TAbstractParserThread {
   using TAbstractParserThread::TAbstractParserThread;
 
  protected:
-  void ParseStream(const std::string& fileName, const TMemoryStream& stream) override;
+  TFileParse ParseStream(const std::string& fileName, std::string text) override;
 };
 
-/// The second half of StartParse, for a thread the caller made itself (new, not yet
-/// resumed): resumes it and returns when it has ended and freed itself.
+/// Starts a thread the caller made itself (new, not yet resumed), waits until it has ended
+/// and freed itself, then merges its result into its Target and fills its ParsedNames.
 void ResumeParserThread(TAbstractParserThread* thread);
 
 }  // namespace velmora

@@ -10,18 +10,12 @@ using namespace pascal_parser;
 
 namespace {
 
-// The closing kind of a group opener, or 0 for any other kind.
+// The closing kind of a group opener: the bracket pairs of the token table, and `record`
+// with its `end`; 0 for any other kind.
 int CloseOf(int openKind) {
-  switch (openKind) {
-    case ptOpenParen:
-      return ptCloseParen;
-    case ptOpenBracket:
-      return ptCloseBracket;
-    case ptRecord:
-      return ptEnd;
-    default:
-      return 0;
-  }
+  if (openKind == ptRecord) return ptEnd;
+  const int close = PascalClosingKind(openKind);
+  return close < 0 ? 0 : close;
 }
 
 // Builds a text from tokens with every gap (blanks, line ends, comments) made one space
@@ -137,7 +131,9 @@ TPascalBaseParser::TPascalBaseParser(const char* text, int64_t size)
 }
 
 TPascalBaseParser::TPascalBaseParser(TPascalTokenizer* shared)
-    : Tokenizer(shared), OwnsTokenizer(false) {}
+    : Tokenizer(shared), OwnsTokenizer(false) {
+  VELMORA_DCHECK(shared != nullptr, "a class parser shares its file parser's tokenizer");
+}
 
 TPascalBaseParser::~TPascalBaseParser() {
   if (OwnsTokenizer) delete Tokenizer;
@@ -152,6 +148,8 @@ void TPascalBaseParser::Parse() {
   while (!Stopped && t.Kind() != tkEndOfText) {
     handlerStart_ = t.Index();
     HandleToken();
+    VELMORA_DCHECK(t.Index() >= handlerStart_,
+                   "a handler never leaves the cursor before its token");
     if (Stopped) break;
     // Every handler leaves the cursor on or after the token it began on, so this step
     // always moves on: the loop cannot stand still.
@@ -169,25 +167,6 @@ void TPascalBaseParser::Unread() {
 // ---- Helpers shared by the declaration readers ----
 
 namespace pascal_parser {
-
-int32_t NextSignificantIndex(const TTokenizer& t, int32_t from) {
-  const TIList& kinds = t.Kinds();
-  const int32_t last = t.LastIndex();
-  int32_t i = from + 1;
-  while (i < last && t.IsBlank(kinds.Get(i))) ++i;
-  return i < last ? i : last;
-}
-
-int PeekSignificant(const TTokenizer& t) {
-  const int32_t last = t.LastIndex();
-  if (t.Index() >= last) return tkEndOfText;
-  return t.Kinds().Get(NextSignificantIndex(t, t.Index()));
-}
-
-TSpot SpotOf(const TTokenizer& t, int32_t index) {
-  const int32_t offset = t.TokenOffset(index);
-  return {t.LineOfOffset(offset), offset};
-}
 
 std::string ReadTypeName(TTokenizer& t) {
   std::string name = t.Text();
@@ -213,6 +192,7 @@ bool IsWordAt(const TTokenizer& t, int kind, std::string_view word) {
 }
 
 bool PassTypeParameters(TTokenizer& t) {
+  VELMORA_DCHECK(t.Kind() == ptLess, "type parameters start on their `<`");
   // Type parameters are names with constraints (`T: class, constructor; U: TBase`); any
   // other token ends the attempt. The walk is short, so `a < b` in a long statement
   // costs a few tokens, never the rest of the text.
@@ -239,6 +219,9 @@ bool PassTypeParameters(TTokenizer& t) {
 bool ReadRoutineHeading(TPascalBaseParser& p, const TTokenKindSet& resultStops,
                         TRoutineHeading& heading) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(t.Kind() == ptProcedure || t.Kind() == ptFunction || t.Kind() == ptConstructor ||
+                     t.Kind() == ptDestructor,
+                 "a routine heading is read from its kind word");
   if (!IsNameKind(PeekSignificant(t))) return false;
   t.NextSignificant();
   heading.Name = t.Text();

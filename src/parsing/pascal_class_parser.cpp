@@ -102,7 +102,9 @@ void ReadGuid(TPascalClassParser& p) {
 // ---- TPascalClassParser ----
 
 TPascalClassParser::TPascalClassParser(TPascalClassFinderParser& outer, TClassDescription* owner)
-    : TPascalClassFinderParser(outer), Owner(owner), Visibility(TVisibility::Published) {}
+    : TPascalClassFinderParser(outer), Owner(owner), Visibility(TVisibility::Published) {
+  VELMORA_DCHECK(owner != nullptr, "a class parser reads the body of a class");
+}
 
 void TPascalClassParser::HandleToken() {
   TTokenizer& t = Cursor();
@@ -178,6 +180,7 @@ TPositionInfo* PositionTable(TPascalClassParser& p) {
 
 void ParseMethodDeclaration(TPascalClassParser& p) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(t.Kind() == ptClass || IsMethodWord(t.Kind()), "a method starts on its word");
   const TSpot start = Here(t);
   p.LastMethod = nullptr;
   uint16_t directives = 0;

@@ -33,6 +33,7 @@ std::string WithoutInitialValue(const std::string& type) {
 
 void ParseFieldDeclaration(TPascalClassParser& p) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(IsNameKind(t.Kind()), "a field declaration starts on a name");
   const TSpot start = Here(t);
   std::vector<std::string> names{t.Text()};
   // Names and commas up to the colon. A `;` first declares nothing (the `default;` after

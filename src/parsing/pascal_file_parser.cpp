@@ -40,26 +40,21 @@ std::string_view IncludeNameOf(std::string_view directive) {
 
 // ---- TPascalClassFinderParser ----
 
-TPascalClassFinderParser::TPascalClassFinderParser(std::string_view fileName, uint8_t option,
-                                                   TClasslist* target, const char* text,
-                                                   int64_t size)
-    : TPascalBaseParser(text, size), FileName(fileName), Target(target), Option(option) {}
+TPascalClassFinderParser::TPascalClassFinderParser(std::string_view fileName, TClasslist* target,
+                                                   const char* text, int64_t size)
+    : TPascalBaseParser(text, size), FileName(fileName), Target(target) {}
 
 TPascalClassFinderParser::TPascalClassFinderParser(TPascalClassFinderParser& outer)
-    : TPascalBaseParser(outer.Tokenizer),
-      FileName(outer.FileName),
-      Target(outer.Target),
-      Option(outer.Option) {
+    : TPascalBaseParser(outer.Tokenizer), FileName(outer.FileName), Target(outer.Target) {
   WantPositions = outer.WantPositions;
 }
 
 // ---- TPascalFileParser ----
 
-TPascalFileParser::TPascalFileParser(std::string_view fileName, uint8_t option, TClasslist* target,
-                                     const TMemoryStream* stream)
-    : TPascalClassFinderParser(fileName, option, target, stream ? stream->Memory() : nullptr,
-                               stream ? stream->Size() : 0),
-      Stream(stream) {}
+TPascalFileParser::TPascalFileParser(std::string_view fileName, uint8_t /*option*/,
+                                     TClasslist* target, const TMemoryStream* stream)
+    : TPascalClassFinderParser(fileName, target, stream ? stream->Memory() : nullptr,
+                               stream ? stream->Size() : 0) {}
 
 void TPascalFileParser::EnterImplementation() {
   InImplementation = true;
@@ -98,12 +93,21 @@ namespace pascal_parser {
 
 void ParseRoutineDeclaration(TPascalFileParser& p) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(t.Kind() == ptProcedure || t.Kind() == ptFunction,
+                 "a routine starts on `procedure` or `function`");
   const TSpot start = Here(t);
   const bool isFunction = t.Kind() == ptFunction;
   // `procedure(...)` or `function:` belongs to a procedural type, not a routine, and
   // `procedure TFoo.Bar;` is a method's implementation heading.
   TRoutineHeading heading;
-  if (!ReadRoutineHeading(p, TTokenKindSet{}, heading)) return;
+  const int32_t word = t.Index();
+  if (!ReadRoutineHeading(p, TTokenKindSet{}, heading)) {
+    // `procedure TFoo.Bar;` heads a method's body, so this is implementation code even
+    // without the keyword (an `.inc` file included there): the routines that follow, the
+    // ones local to that method among them, are implementations, not declarations.
+    if (t.Index() != word) p.InImplementation = true;
+    return;
+  }
   TParameterList params(TLanguage::Pascal);
   params.Parse(heading.ParamText);
   TProcDescription* r = p.Target->Routines.FindOrAdd(

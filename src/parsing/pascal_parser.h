@@ -45,7 +45,7 @@ bool PascalCollectBracket(TTokenizer& t, int openKind, std::string* text);
 
 /// From the cursor on: the first token whose kind is in `stops`, passing `(`, `[` and
 /// `record` groups whole (their closing token counts when it is a stop). Returns the kind
-/// reached, or 145 at the end of the text.
+/// reached, or ptUnknownChar at the end of the text.
 int PascalSkipTo(TTokenizer& t, const TTokenKindSet& stops);
 
 /// Collects the tokens after the cursor up to the first one of `kind` outside `(`, `[` and
@@ -55,6 +55,11 @@ int PascalSkipTo(TTokenizer& t, const TTokenKindSet& stops);
 int PascalReadTo(TTokenizer& t, int kind, std::string& text, const TTokenKindSet* halts = nullptr);
 
 // ---- Parsers ----
+
+// The parsers' state, written down once: every field below says when it is valid and
+// what keeps it so. A parser runs on one thread; the parsers of one unit (the file parser
+// and the class parser of the body being read) share one tokenizer, and only the
+// innermost of them moves its cursor at any time.
 
 /// Base of the Pascal parsers: a token cursor and the loop that hands each significant
 /// token to HandleToken.
@@ -83,10 +88,15 @@ class TPascalBaseParser {
     return PascalReadTo(Cursor(), kind, text, halts);
   }
 
-  TPascalTokenizer* Tokenizer;  ///< created by the file parser, shared by its class parsers
-  bool OwnsTokenizer;           ///< true in the parser that created the tokenizer
-  bool Stopped = false;         ///< ends Parse
+  /// Never null: created by the file parser (which owns it, OwnsTokenizer), shared by its
+  /// class parsers.
+  TPascalTokenizer* Tokenizer;
+  bool OwnsTokenizer;  ///< true in the parser that created the tokenizer, and only there
+  /// Ends Parse; set by a handler, with the cursor on the token that ended the parser (a
+  /// class body's `end`, `implementation` when that is not parsed), and never cleared.
+  bool Stopped = false;
   /// Classes get a position table (sections and last members per visibility) when set.
+  /// Set before Parse; class parsers take it from the parser that made them.
   bool WantPositions = false;
 
  protected:
@@ -100,20 +110,24 @@ class TPascalBaseParser {
   virtual void HandleToken() = 0;
 
  private:
-  int32_t handlerStart_ = 0;  // the token the running HandleToken was called on
+  // The token the running HandleToken was called on: Unread never steps before it, so
+  // every call moves the cursor on or leaves it there, and the loop always advances.
+  int32_t handlerStart_ = 0;
 };
 
 /// What every parser of one file shares: the unit name and the class list it fills.
 class TPascalClassFinderParser : public TPascalBaseParser {
  public:
-  std::string FileName;  ///< the unit name written into every record
-  TClasslist* Target;    ///< not owned
-  uint8_t Option;        ///< kept from the constructor; no parser reads it yet
+  /// The unit name written into every record; the same in all parsers of a unit.
+  std::string FileName;
+  /// Where classes and routines go; never null, not owned, the same in all parsers of a
+  /// unit. Its lock is held by the caller for the whole parse.
+  TClasslist* Target;
 
  protected:
-  TPascalClassFinderParser(std::string_view fileName, uint8_t option, TClasslist* target,
-                           const char* text, int64_t size);
-  /// Shares `outer`'s tokenizer, unit name, target, option and WantPositions.
+  TPascalClassFinderParser(std::string_view fileName, TClasslist* target, const char* text,
+                           int64_t size);
+  /// Shares `outer`'s tokenizer, unit name, target and WantPositions.
   explicit TPascalClassFinderParser(TPascalClassFinderParser& outer);
 };
 
@@ -122,17 +136,19 @@ class TPascalClassFinderParser : public TPascalBaseParser {
 class TPascalFileParser : public TPascalClassFinderParser {
  public:
   /// `stream` holds the whole text in buffer form; its memory is NUL-terminated and must
-  /// outlive the parser. A text of 2 GiB or more is not parsed at all.
+  /// outlive the parser. A text of 2 GiB or more is not parsed at all. The option byte is
+  /// what the parser threads pass on; no parser reads it (ParseImplementation is what
+  /// the Pascal option sets).
   TPascalFileParser(std::string_view fileName, uint8_t option, TClasslist* target,
                     const TMemoryStream* stream);
 
-  /// Names of included files: sorted, case-insensitive, duplicates ignored.
+  /// Names of included files: sorted, case-insensitive, duplicates ignored. Only grows.
   TStringList IncludeNames{true, TDuplicates::Ignore, false};
-  const TMemoryStream* Stream;  ///< not owned
-  /// Set at the `implementation` keyword; from then on routine headings are
-  /// implementations, not declarations, and are not recorded.
+  /// Set at the `implementation` keyword and never cleared; from then on routine
+  /// headings are implementations, not declarations, and are not recorded.
   bool InImplementation = false;
   /// Whether to go on past `implementation` (classes declared there are then recorded).
+  /// Set before Parse.
   bool ParseImplementation = true;
 
   /// Passes the `implementation` keyword: InImplementation, and a stop unless
@@ -148,9 +164,12 @@ class TPascalClassParser : public TPascalClassFinderParser {
  public:
   TPascalClassParser(TPascalClassFinderParser& outer, TClassDescription* owner);
 
-  TClassDescription* Owner;  ///< the class whose body is read; not owned
-  /// The method that directive words after it apply to; null when something else came
-  /// between.
+  /// The class whose body is read; never null, not owned (Target or an outer class's
+  /// nested classes hold it).
+  TClassDescription* Owner;
+  /// The method that directive words after it apply to: a method of Owner, set by the
+  /// method reader and cleared by every other member, so that `virtual;` never lands on
+  /// a method it does not follow. Null when something else came between.
   TMethodDescription* LastMethod = nullptr;
   /// The current section; published until the first visibility word.
   TVisibility Visibility;

@@ -1,5 +1,5 @@
-// Shared pieces of the Pascal parser's source files: token-kind sets, the position of the
-// token under the cursor, and the declaration readers each file provides. Only the
+// Shared pieces of the Pascal parser's source files: token-kind sets, the helpers shared
+// with the C++ parser, and the declaration readers each file provides. Only the
 // pascal_*_parser / pascal_*_declaration sources include this header.
 #pragma once
 
@@ -7,13 +7,15 @@
 #include <string>
 
 #include "model/class_description.h"
+#include "parsing/parser_common.h"
 #include "parsing/pascal_parser.h"
 #include "parsing/pascal_tokenizer.h"
+#include "support/check.h"
 
 namespace velmora::pascal_parser {
 
-/// Names: identifiers and the directive words 74..112, since `name`, `index`, `read` or
-/// `message` are ordinary names wherever Pascal does not give them a meaning.
+/// Names: identifiers and the directive words (ptAbsolute..ptWriteonly), since `name`, `index`,
+/// `read` or `message` are ordinary names wherever Pascal does not give them a meaning.
 inline bool IsNameKind(int kind) {
   return kind == ptIdentifier || (kind >= ptAbsolute && kind <= ptWriteonly);
 }
@@ -33,24 +35,11 @@ inline constexpr TTokenKindSet kPropertyBoundary = {
 
 inline constexpr TTokenKindSet kSemicolon = {ptSemicolon};
 
-/// The index of the first significant token after `from` (the end-of-text entry when there
-/// is none), found without moving the cursor and so without touching the tokenizer's line
-/// tracking.
-int32_t NextSignificantIndex(const TTokenizer& t, int32_t from);
-/// The kind of the next significant token after the cursor, read without moving it; 0 at
-/// the end of the text.
-int PeekSignificant(const TTokenizer& t);
-
-/// Where a token stands: its line (counted from the start of the text, so a directive or
-/// comment spanning lines never makes it drift) and its offset.
-struct TSpot {
-  int32_t Line;
-  int32_t Offset;
-};
-TSpot SpotOf(const TTokenizer& t, int32_t index);
-inline TSpot Here(const TTokenizer& t) {
-  return SpotOf(t, t.Index());
-}
+using parser_common::Here;
+using parser_common::NextSignificantIndex;
+using parser_common::PeekSignificant;
+using parser_common::SpotOf;
+using parser_common::TSpot;
 
 inline void SetBlock(TPositionInfo::Positions& block, TSpot start, TSpot end) {
   block.StartLine = start.Line;

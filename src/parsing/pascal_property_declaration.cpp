@@ -12,11 +12,23 @@ namespace pascal_parser {
 namespace {
 
 // The one token after a specifier word: `read FItems` gives "FItems", `default -1` only
-// "-" (a minus sign is a token of its own). Nothing when the declaration ends first.
+// "-" (a minus sign is a token of its own). A set is one value: `default [akLeft, akTop]`
+// gives "[akLeft, akTop]". Conditional directives before the value are passed, so of
+// `default {$ifdef X}clWindow{$else}clBtnFace{$endif}` the first branch's value is taken.
+// Nothing when the declaration ends first.
 std::string TakeValue(TTokenizer& t) {
-  const int next = PeekSignificant(t);
+  int next = PeekSignificant(t);
+  while (next == ptCompilerDirective) {
+    t.NextSignificant();
+    next = PeekSignificant(t);
+  }
   if (next == ptSemicolon || next == tkEndOfText || kPropertyBoundary.Contains(next)) return {};
   t.NextSignificant();
+  if (next == ptOpenBracket) {
+    std::string inside;
+    PascalCollectBracket(t, ptOpenBracket, &inside);
+    return "[" + std::string(Trim(inside)) + "]";
+  }
   return t.Text();
 }
 
@@ -24,6 +36,7 @@ std::string TakeValue(TTokenizer& t) {
 
 void ParsePropertyDeclaration(TPascalClassParser& p) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(t.Kind() == ptProperty, "a property starts on `property`");
   const TSpot start = Here(t);
   if (!IsNameKind(PeekSignificant(t))) return;
   t.NextSignificant();

@@ -1,7 +1,6 @@
 #include "parsing/pascal_tokenizer.h"
 
 #include <array>
-#include <string>
 
 #include "parsing/keyword_lookup.h"
 #include "parsing/scan_chars.h"
@@ -9,28 +8,43 @@
 namespace velmora {
 namespace {
 
-// In kind order: the kind of kPascalKeywords[i] is 10 + i.
-constexpr std::array<std::string_view, 103> kPascalKeywords = {
-    // reserved words
-    "and", "array", "as", "begin", "case", "class", "const", "constructor", "destructor",
-    "dispinterface", "div", "do", "downto", "else", "end", "except", "exports", "file",
-    "finalization", "finally", "for", "function", "goto", "if", "implementation", "in", "inherited",
-    "initialization", "inline", "interface", "is", "label", "library", "mod", "nil", "not",
-    "object", "of", "or", "out", "packed", "procedure", "program", "property", "raise", "record",
-    "repeat", "resourcestring", "set", "shl", "shr", "string", "then", "threadvar", "to", "try",
-    "type", "unit", "until", "uses", "var", "while", "with", "xor",
-    // directive words
-    "absolute", "abstract", "assembler", "automated", "cdecl", "contains", "default", "dispid",
-    "dynamic", "export", "external", "far", "forward", "implements", "index", "message", "name",
-    "near", "nodefault", "overload", "override", "package", "pascal", "private", "protected",
-    "public", "published", "read", "readonly", "register", "reintroduce", "requires", "resident",
-    "safecall", "stdcall", "stored", "virtual", "write", "writeonly"};
+// Every kind number, in the table's order.
+constexpr std::array kKindNumbers = {
+#define PASCAL_TOKEN(Name, Number, KindName) Number,
+#include "parsing/pascal_token_kinds.def"
+};
+static_assert(keywords::StrictlyAscendingBelow(kKindNumbers, 256),
+              "pascal_token_kinds.def: numbers ascending, each used once, below 256");
+
+// Reserved words, then directive words, in kind order: the kind of kPascalKeywords[i] is
+// kFirstKeywordKind + i.
+constexpr std::array kPascalKeywords = {
+#define PASCAL_KEYWORD(Name, Number, Spelling) std::string_view(Spelling),
+#include "parsing/pascal_token_kinds.def"
+};
+constexpr std::array kPascalKeywordKinds = {
+#define PASCAL_KEYWORD(Name, Number, Spelling) Number,
+#include "parsing/pascal_token_kinds.def"
+};
 constexpr int kFirstKeywordKind = 10;
+static_assert(keywords::RunsFrom(kPascalKeywordKinds, kFirstKeywordKind),
+              "pascal_token_kinds.def: the keywords run unbroken from 10");
 // Longer identifiers are never keywords and skip the lookup (initialization,
 // implementation, resourcestring).
 constexpr int kMaxKeywordLength = 14;
+static_assert(keywords::LongestWord(kPascalKeywords) == kMaxKeywordLength);
+// The scanner lowers the packed word before the lookup, so the table holds lower case.
+static_assert(keywords::AllLowerCase(kPascalKeywords));
+// The parsers take the directive words for names by their range (IsNameKind).
+constexpr std::array kDirectiveWordKinds = {
+#define PASCAL_DIRECTIVE_WORD(Name, Number, Spelling) Number,
+#include "parsing/pascal_token_kinds.def"
+};
+static_assert(keywords::RunsFrom(kDirectiveWordKinds, ptAbsolute) &&
+                  kDirectiveWordKinds.back() == ptWriteonly,
+              "pascal_token_kinds.def: the directive words run from ptAbsolute to ptWriteonly");
 
-constexpr keywords::TKeywordTable<103, 10> kKeywordTable(kPascalKeywords);
+constexpr keywords::TKeywordTable<kPascalKeywords.size(), 10> kKeywordTable(kPascalKeywords);
 
 enum CharClass : unsigned char {
   cUnknownChar,  // |, }, 127 and above
@@ -269,37 +283,14 @@ void TPascalTokenizer::Tokenize() {
 }
 
 std::string_view PascalTokenKindName(int kind) {
-  static const std::array<std::string, 256> names = [] {
-    std::array<std::string, 256> n;
-    for (auto& name : n) name = "unused";
-    n[ptEndOfText] = "end";
-    n[ptWhitespace] = "whitespace";
-    n[ptLineEnd] = "line-end";
-    for (size_t i = 0; i < kPascalKeywords.size(); ++i)
-      n[kFirstKeywordKind + i] = "kw:" + std::string(kPascalKeywords[i]);
-    n[ptParenComment] = "paren-comment";
-    n[ptBraceComment] = "brace-comment";
-    n[ptLineComment] = "line-comment";
-    n[ptCompilerDirective] = "directive";
-    n[ptCharCode] = "char-code";
-    n[ptHexNumber] = "hex-number";
-    n[ptNumber] = "number";
-    n[ptIdentifier] = "identifier";
-    n[ptStringLiteral] = "string";
-    n[ptUnknownPunctuator] = "unknown-punctuator";
-    n[ptUnknownChar] = "unknown-char";
-    const std::pair<int, const char*> punctuators[] = {
-        {ptAssign, ":="},     {ptColon, ":"},     {ptComma, ","},         {ptDotDot, ".."},
-        {ptEqual, "="},       {ptGreater, ">"},   {ptGreaterEqual, ">="}, {ptLess, "<"},
-        {ptLessEqual, "<="},  {ptNotEqual, "<>"}, {ptPlus, "+"},          {ptDot, "."},
-        {ptCloseParen, ")"},  {ptOpenParen, "("}, {ptSemicolon, ";"},     {ptCloseBracket, "]"},
-        {ptOpenBracket, "["}, {ptStar, "*"},      {ptSlash, "/"},         {ptAmpersand, "&"},
-        {ptAt, "@"},          {ptCaret, "^"},
-    };
-    for (const auto& [k, text] : punctuators) n[k] = text;
+  static constexpr std::array<std::string_view, 256> kNames = [] {
+    std::array<std::string_view, 256> n;
+    n.fill("unused");
+#define PASCAL_TOKEN(Name, Number, KindName) n[Number] = KindName;
+#include "parsing/pascal_token_kinds.def"
     return n;
   }();
-  return static_cast<unsigned>(kind) < 256 ? std::string_view(names[kind]) : "unused";
+  return static_cast<unsigned>(kind) < kNames.size() ? kNames[kind] : "unused";
 }
 
 }  // namespace velmora

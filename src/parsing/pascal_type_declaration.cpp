@@ -49,6 +49,7 @@ namespace pascal_parser {
 
 void ParseTypeDeclaration(TPascalClassFinderParser& p, TClassDescription* outer) {
   TTokenizer& t = p.Cursor();
+  VELMORA_DCHECK(IsNameKind(t.Kind()), "a type declaration starts on its name");
   // Every name of the unit comes here, so the cheap test goes first.
   const int after = PeekSignificant(t);
   if (after != ptEqual && after != ptLess) return;
@@ -101,30 +102,23 @@ void ParseTypeDeclaration(TPascalClassFinderParser& p, TClassDescription* outer)
   // `class sealed` and `class abstract` say how the class may be used, not what it is.
   while (kind == ptAbstract || IsWordAt(t, kind, "sealed")) kind = t.NextSignificant();
   if (kind == ptOf || kind == ptSemicolon) return;  // `class of TFoo;` and `class;`
-  std::vector<std::string> ancestors;
-  if (kind == ptOpenParen) ancestors = ReadAncestors(t);
+  std::vector<TClassAncestor> ancestors;
+  if (kind == ptOpenParen)
+    for (const std::string& a : ReadAncestors(t)) ancestors.emplace_back(TVisibility::Public, a);
 
-  TCommonClassList* list = outer ? outer->NestedClasses() : p.Target;
-  TClassDescription* c = list->FindOrAdd(name, TLanguage::Pascal);
+  TCommonClassList& list = outer ? *outer->NestedClasses() : *p.Target;
+  TClassDescription* c = parser_common::RecordClassHead(list, p.FileName, p.WantPositions,
+                                                        {.Name = name,
+                                                         .Language = TLanguage::Pascal,
+                                                         .Kind = classKind,
+                                                         .TemplateParams = {},
+                                                         .Ancestors = std::move(ancestors),
+                                                         .Start = start,
+                                                         .End = Here(t)});
   if (!c) {  // a reference list holds no classes of its own: the body is still passed
     if (t.Kind() != ptSemicolon) p.CollectBracket(ptRecord, nullptr);
     return;
   }
-  // Refilled from scratch: what the declaration no longer says must not survive. The
-  // members are kept for the caller's mark and sweep.
-  c->ClassKind = classKind;
-  c->TemplateParams.clear();
-  c->Guid.clear();
-  c->Ancestors.Clear();
-  for (const std::string& a : ancestors) c->Ancestors.Add(TVisibility::Public, a);
-  if (p.WantPositions)
-    c->GetPositionInfo(true)->Reset();
-  else
-    c->DropPositionInfo();
-  c->UnitName = p.FileName;
-  const TSpot end = Here(t);
-  c->SetStart(start.Line, start.Offset);
-  c->SetEnd(end.Line, end.Offset);
   if (t.Kind() == ptSemicolon) return;  // `TBar = class(TFoo);`: no body
 
   TPascalClassParser body(p, c);

@@ -22,6 +22,11 @@ constexpr std::array<unsigned char, 256> MakeFlags() {
   for (int c = 'A'; c <= 'F'; ++c) t[c] |= fHexDigit;
   for (int c = 'a'; c <= 'f'; ++c) t[c] |= fHexDigit;
   t['_'] |= fIdentStart | fIdentChar;
+  // Every byte above 127 is a letter: of a UTF-8 sequence (`TWärme` is C3 A4 in the
+  // middle) or of a Windows-1252 text (E4), the two ways real sources spell such names. A
+  // byte of either that is no letter (`©`, `«`) stands in strings and comments, where no
+  // identifier is read.
+  for (int c = 128; c <= 255; ++c) t[c] |= fIdentStart | fIdentChar;
   return t;
 }
 inline constexpr std::array<unsigned char, 256> kFlags = MakeFlags();

@@ -38,38 +38,56 @@ using TPascalTemplates = std::array<TCodeTemplate, kPascalTemplateCount>;
 using TCppTemplates = std::array<TCodeTemplate, kCppTemplateCount>;
 
 /// Positions of the Object Pascal templates.
-enum TPascalTemplateIndex : int {
-  ptVisibility = 0,
-  ptMethodParameter = 1,
-  ptFieldDeclaration = 2,
-  ptPropertyDeclaration = 3,
-  ptProcedureDeclaration = 4,
-  ptFunctionDeclaration = 5,
-  ptProcedureImplementation = 6,
-  ptFunctionImplementation = 7,
-  ptPropertyGetCode = 8,
-  ptPropertySetCode = 9,
-  ptMethodCall = 10,
-  ptDescriptionBlock = 11,
+enum class TPascalTemplateIndex : int {
+  Visibility = 0,
+  MethodParameter = 1,
+  FieldDeclaration = 2,
+  PropertyDeclaration = 3,
+  ProcedureDeclaration = 4,
+  FunctionDeclaration = 5,
+  ProcedureImplementation = 6,
+  FunctionImplementation = 7,
+  PropertyGetCode = 8,
+  PropertySetCode = 9,
+  MethodCall = 10,
+  DescriptionBlock = 11,
 };
 
 /// Positions of the C++ templates.
-enum TCppTemplateIndex : int {
-  ctVisibility = 0,
-  ctFieldDeclaration = 1,
-  ctPropertyDeclaration = 2,
-  ctPropertyGetCode = 3,
-  ctPropertySetCode = 4,
-  ctMethodParameter = 5,
-  ctMethodDeclaration = 6,
-  ctImplicitInlineMethod = 7,
-  ctMethodImplementation = 8,
-  ctMessageMapBegin = 9,
-  ctMessageHandlerBlock = 10,
-  ctMessageMapEnd = 11,
-  ctDescriptionBlock = 12,
-  ctMethodCall = 13,
+enum class TCppTemplateIndex : int {
+  Visibility = 0,
+  FieldDeclaration = 1,
+  PropertyDeclaration = 2,
+  PropertyGetCode = 3,
+  PropertySetCode = 4,
+  MethodParameter = 5,
+  MethodDeclaration = 6,
+  ImplicitInlineMethod = 7,
+  MethodImplementation = 8,
+  MessageMapBegin = 9,
+  MessageHandlerBlock = 10,
+  MessageMapEnd = 11,
+  DescriptionBlock = 12,
+  MethodCall = 13,
 };
+
+static_assert(static_cast<int>(TPascalTemplateIndex::DescriptionBlock) + 1 == kPascalTemplateCount);
+static_assert(static_cast<int>(TCppTemplateIndex::MethodCall) + 1 == kCppTemplateCount);
+
+/// The template at a named position.
+inline TCodeTemplate& TemplateAt(TPascalTemplates& templates, TPascalTemplateIndex index) {
+  return templates[static_cast<size_t>(index)];
+}
+inline const TCodeTemplate& TemplateAt(const TPascalTemplates& templates,
+                                       TPascalTemplateIndex index) {
+  return templates[static_cast<size_t>(index)];
+}
+inline TCodeTemplate& TemplateAt(TCppTemplates& templates, TCppTemplateIndex index) {
+  return templates[static_cast<size_t>(index)];
+}
+inline const TCodeTemplate& TemplateAt(const TCppTemplates& templates, TCppTemplateIndex index) {
+  return templates[static_cast<size_t>(index)];
+}
 
 const TPascalTemplates& DefaultPascalTemplates();
 const TCppTemplates& DefaultCppTemplates();

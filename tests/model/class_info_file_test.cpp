@@ -225,7 +225,7 @@ TEST(ClassInfoFileTest, CutAnywhereFailsCleanly) {
       // Too short for the banner reads as a foreign file; after it, as a damaged one.
       const char* expected = cut < kClassInfoBanner.size() ? kInvalidVersion : kUnexpectedEndOfFile;
       EXPECT_STREQ(e.what(), expected) << "cut at " << cut;
-      EXPECT_EQ(e.ErrorKind, 0) << "cut at " << cut;
+      EXPECT_EQ(e.ErrorKind, TClassInfoErrorKind::NothingUsable) << "cut at " << cut;
     }
   }
 }
@@ -242,13 +242,14 @@ TEST(ClassInfoFileTest, WrongHeaderOrMarkersSayHowFarTheLoadGot) {
     const char* what;
     size_t at;
     const char* message;
-    int kind, files, domains;
+    TClassInfoErrorKind kind;
+    int files, domains;
   } cases[] = {
       // clang-format off
-      {.what = "banner",        .at = 7,            .message = kInvalidVersion,          .kind = 0, .files = 0, .domains = 0},
-      {.what = "version",       .at = 101,          .message = kInvalidVersion,          .kind = 0, .files = 0, .domains = 0},
-      {.what = "domain marker", .at = domainMarker, .message = kFilesRestored,           .kind = 1, .files = 3, .domains = 0},
-      {.what = "class marker",  .at = classMarker,  .message = kFilesAndDomainsRestored, .kind = 2, .files = 3, .domains = 2},
+      {.what = "banner",        .at = 7,            .message = kInvalidVersion,          .kind = TClassInfoErrorKind::NothingUsable, .files = 0, .domains = 0},
+      {.what = "version",       .at = 101,          .message = kInvalidVersion,          .kind = TClassInfoErrorKind::NothingUsable, .files = 0, .domains = 0},
+      {.what = "domain marker", .at = domainMarker, .message = kFilesRestored,           .kind = TClassInfoErrorKind::FilesRestored, .files = 3, .domains = 0},
+      {.what = "class marker",  .at = classMarker,  .message = kFilesAndDomainsRestored, .kind = TClassInfoErrorKind::DomainsRestored, .files = 3, .domains = 2},
       // clang-format on
   };
 
@@ -307,7 +308,7 @@ TEST(ClassInfoFileTest, WholeFileSaveAndLoad) {
   std::ofstream(dir / "short.cinfo", std::ios::binary) << Saved(files, classes).substr(0, 300);
   const TModelFileOutcome cut =
       LoadClassInfoFileReported(dir / "short.cinfo", filesBack, classesBack);
-  EXPECT_EQ(cut.ErrorKind, 0);
+  EXPECT_EQ(cut.ErrorKind, TClassInfoErrorKind::NothingUsable);
   EXPECT_EQ(cut.Message,
             "The class information file \"" + (dir / "short.cinfo") +
                 "\" could not be loaded because of the following error: " + kUnexpectedEndOfFile);

@@ -184,7 +184,7 @@ void ExpectUnexpectedEnd(const std::string& bytes, const std::string& what) {
     list.TCommonClassList::LoadFromStream(in);
     ADD_FAILURE() << what << ": no error";
   } catch (const EClassInfoFileError& e) {
-    EXPECT_EQ(e.ErrorKind, 0) << what;
+    EXPECT_EQ(e.ErrorKind, TClassInfoErrorKind::NothingUsable) << what;
     EXPECT_STREQ(e.what(), kUnexpectedEndOfFile) << what;
   }
 }
@@ -220,7 +220,7 @@ TEST(RecordsTest, AbsurdNestingIsRefused) {
     loaded.TCommonClassList::LoadFromStream(in);
     ADD_FAILURE() << "no error";
   } catch (const EClassInfoFileError& e) {
-    EXPECT_EQ(e.ErrorKind, 0);
+    EXPECT_EQ(e.ErrorKind, TClassInfoErrorKind::NothingUsable);
   }
 }
 

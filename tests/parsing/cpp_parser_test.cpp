@@ -117,6 +117,9 @@ TEST(CppParserTest, Records) {
       {.text = "class P { __property int Count = {read=FCount, write=SetCount, default=0}; };",
        .expected = "class \"P\" C++ unit=\"input.h\"\n  property private \"Count\" type=\"int\" modifier=\"\" index_params=\"\" index=\"\" read=\"FCount\" write=\"SetCount\" stored=\"\" default=\"\"\n"},
       {.text = "class M { BEGIN_MESSAGE_MAP MESSAGE_HANDLER(WM_SIZE, TMessage, WMSize) END_MESSAGE_MAP(TForm) };", .expected = "class \"M\" C++ unit=\"input.h\"\n"},
+      // Names with letters beyond ASCII (UTF-8, Windows-1252) are read whole.
+      {.text = "class TW\xC3\xA4rme { int Gr\xE4" "de; };",
+       .expected = "class \"TW\xC3\xA4rme\" C++ unit=\"input.h\"\n  field private \"Gr\xE4" "de\" type=\"int\" modifier=\"\"\n"},
       {.text = "typedef struct X { int a; } Y;", .expected = "struct \"X\" C++ unit=\"input.h\"\n  field public \"a\" type=\"int\" modifier=\"\"\n"},
       // Declarators after a nested body are dropped; an unnamed struct is passed whole.
       {.text = "class O { class I { int x; } a, *b; struct { int z; } s; public: int w; };",
@@ -181,8 +184,8 @@ class "F2" C++ unit="input.h"
 )"},
       {.text = "class K { static const bool B = std::is_same_v<X, Y>, C = 1 < 2; int D = a < b; int E; };",
        .expected = R"(class "K" C++ unit="input.h"
-  field private "B" type="static const bool" modifier=""
-  field private "C" type="static const bool" modifier=""
+  field private "B" type="const bool" modifier=""
+  field private "C" type="const bool" modifier=""
   field private "D" type="int" modifier=""
   field private "E" type="int" modifier=""
 )"},
@@ -196,17 +199,16 @@ class "F2" C++ unit="input.h"
   method private function "G" result="void" directives=0x0000
 )x"},
       // Annotation macros after a parameter list pass when the declaration ends after
-      // them; a section macro's colon is never taken for an initializer list (the section
-      // word and its colon are passed), and a macro that ends nothing starts the next
-      // declaration.
+      // them; a section macro's colon is never taken for an initializer list (`Q_SIGNALS:`
+      // opens a public section), a macro called with no type before it and nothing after
+      // it that only a function has is no method, and a macro that ends nothing starts the
+      // next declaration.
       {.text = "extern int f(const char *s) __THROW __nonnull ((1)); class Q { int g() const Q_DECL_PURE_FUNCTION; QT_DECLARE_X(Q)\nQ_SIGNALS: void changed(); int h() NOT_A_MACRO_END int kept; };",
        .expected = R"x(class "Q" C++ unit="input.h"
-  field private "kept" type="NOT_A_MACRO_END int" modifier=""
-  method private function "QT_DECLARE_X" result="" directives=0x0000
-    param name="" modifier="" type="Q" default=""
-  method private function "changed" result="void" directives=0x0000
+  field public "kept" type="NOT_A_MACRO_END int" modifier=""
+  method public function "changed" result="void" directives=0x0000
   method private function "g" result="int" directives=0x4000
-  method private function "h" result="int" directives=0x0000
+  method public function "h" result="int" directives=0x0000
 routine file="input.h"
   method public function "f" result="int" directives=0x0000
     param name="s" modifier="" type="const char *" default=""

@@ -20,76 +20,86 @@ struct KindsCase {
 TEST(CppTokenizerTest, Kinds) {
   const KindsCase cases[] = {
       // Shifts, comparisons and template closers are whatever the characters make.
-      {.text = "x>>=1", .kinds = {172, 141, 185}},
-      {.text = "x> >=1", .kinds = {172, 170, 1, 171, 185}},
-      {.text = "a<b<c>>d", .kinds = {172, 178, 172, 178, 172, 196, 172}},
-      {.text = "> >", .kinds = {170, 1, 170}},
-      {.text = "{}", .kinds = {147}},
-      {.text = "{ }", .kinds = {146, 1, 145}},
-      {.text = "f()", .kinds = {172, 192}},
-      {.text = "f( )", .kinds = {172, 191, 1, 190}},
-      {.text = "a[]", .kinds = {172, 201}},
-      {.text = "a[ ]", .kinds = {172, 200, 1, 199}},
+      {.text = "x>>=1", .kinds = {ctIdentifier, ctShiftRightAssign, ctNumber}},
+      {.text = "x> >=1",
+       .kinds = {ctIdentifier, ctGreater, ctWhitespace, ctGreaterEqual, ctNumber}},
+      {.text = "a<b<c>>d",
+       .kinds = {ctIdentifier, ctLess, ctIdentifier, ctLess, ctIdentifier, ctShiftRight,
+                 ctIdentifier}},
+      {.text = "> >", .kinds = {ctGreater, ctWhitespace, ctGreater}},
+      {.text = "{}", .kinds = {ctBraces}},
+      {.text = "{ }", .kinds = {ctOpenBrace, ctWhitespace, ctCloseBrace}},
+      {.text = "f()", .kinds = {ctIdentifier, ctParens}},
+      {.text = "f( )", .kinds = {ctIdentifier, ctOpenParen, ctWhitespace, ctCloseParen}},
+      {.text = "a[]", .kinds = {ctIdentifier, ctBrackets}},
+      {.text = "a[ ]", .kinds = {ctIdentifier, ctOpenBracket, ctWhitespace, ctCloseBracket}},
       // Directives: only a name right after # counts, letters only, case-sensitive.
-      {.text = "#include <a.h>", .kinds = {163, 1, 178, 172, 188, 172, 170}},
-      {.text = "#  define X", .kinds = {165, 1, 172, 1, 172}},
-      {.text = "#Define", .kinds = {206}},
-      {.text = "#includes", .kinds = {206}},
-      {.text = "#ifdef_X", .kinds = {161, 172}},
-      {.text = "#if1", .kinds = {160, 185}},
-      {.text = "#1", .kinds = {165, 185}},
-      {.text = "#", .kinds = {165}},
-      {.text = "a##b", .kinds = {172, 144, 172}},
-      {.text = "###", .kinds = {144, 165}},
-      {.text = "#abcdefghijklmnopqrstuvwxyz", .kinds = {206}},
+      {.text = "#include <a.h>",
+       .kinds = {ctHashInclude, ctWhitespace, ctLess, ctIdentifier, ctDot, ctIdentifier,
+                 ctGreater}},
+      {.text = "#  define X",
+       .kinds = {ctHash, ctWhitespace, ctIdentifier, ctWhitespace, ctIdentifier}},
+      {.text = "#Define", .kinds = {ctUnknownChar}},
+      {.text = "#includes", .kinds = {ctUnknownChar}},
+      {.text = "#ifdef_X", .kinds = {ctHashIfdef, ctIdentifier}},
+      {.text = "#if1", .kinds = {ctHashIf, ctNumber}},
+      {.text = "#1", .kinds = {ctHash, ctNumber}},
+      {.text = "#", .kinds = {ctHash}},
+      {.text = "a##b", .kinds = {ctIdentifier, ctHashHash, ctIdentifier}},
+      {.text = "###", .kinds = {ctHashHash, ctHash}},
+      {.text = "#abcdefghijklmnopqrstuvwxyz", .kinds = {ctUnknownChar}},
       // Numbers are digit runs only.
-      {.text = "0x1F", .kinds = {185, 172}},
-      {.text = "1.5", .kinds = {185, 188, 185}},
-      {.text = "10L", .kinds = {185, 172}},
+      {.text = "0x1F", .kinds = {ctNumber, ctIdentifier}},
+      {.text = "1.5", .kinds = {ctNumber, ctDot, ctNumber}},
+      {.text = "10L", .kinds = {ctNumber, ctIdentifier}},
       // Identifiers: case-sensitive keywords; $ and high bytes are not identifier chars.
-      {.text = "Class class", .kinds = {172, 1, 23}},
-      {.text = "class_ _class classes", .kinds = {172, 1, 172, 1, 172}},
-      {.text = "a$b", .kinds = {172, 206, 172}},
+      {.text = "Class class", .kinds = {ctIdentifier, ctWhitespace, ctClass}},
+      {.text = "class_ _class classes",
+       .kinds = {ctIdentifier, ctWhitespace, ctIdentifier, ctWhitespace, ctIdentifier}},
+      {.text = "a$b", .kinds = {ctIdentifier, ctUnknownChar, ctIdentifier}},
+      // A byte above 127 is a letter (Windows-1252 `é` here, or part of a UTF-8 one).
       {.text = "a\xE9"
                "b",
-       .kinds = {172, 206, 172}},
-      {.text = "__published:", .kinds = {72, 150}},
-      {.text = "std::string", .kinds = {172, 151, 172}},
+       .kinds = {ctIdentifier}},
+      {.text = "__published:", .kinds = {ctPublished_2, ctColon}},
+      {.text = "std::string", .kinds = {ctIdentifier, ctScope, ctIdentifier}},
       {.text = "read write stored index nodefault default",
-       .kinds = {172, 1, 172, 1, 172, 1, 172, 1, 172, 1, 30}},
+       .kinds = {ctIdentifier, ctWhitespace, ctIdentifier, ctWhitespace, ctIdentifier, ctWhitespace,
+                 ctIdentifier, ctWhitespace, ctIdentifier, ctWhitespace, ctDefault}},
       // Literals: no escapes, and they run over line ends.
-      {.text = "'\\''", .kinds = {148, 148}},
-      {.text = "\"a\\\"b\"", .kinds = {203, 172, 203}},
-      {.text = "\"ab\r\ncd\" x", .kinds = {203, 1, 172}},
-      {.text = "'unclosed\r\n", .kinds = {148}},
-      {.text = "\"unclosed", .kinds = {203}},
+      {.text = "'\\''", .kinds = {ctCharLiteral, ctCharLiteral}},
+      {.text = "\"a\\\"b\"", .kinds = {ctStringLiteral, ctIdentifier, ctStringLiteral}},
+      {.text = "\"ab\r\ncd\" x", .kinds = {ctStringLiteral, ctWhitespace, ctIdentifier}},
+      {.text = "'unclosed\r\n", .kinds = {ctCharLiteral}},
+      {.text = "\"unclosed", .kinds = {ctStringLiteral}},
       // Comments.
-      {.text = "/**/x", .kinds = {129, 172}},
-      {.text = "/*/ x */y", .kinds = {129, 172}},
-      {.text = "/*/", .kinds = {129}},
-      {.text = "/* unclosed\r\n", .kinds = {129}},
-      {.text = "a//x\n\n\r\nb", .kinds = {172, 198, 172}},
-      {.text = "//x\r\r\n", .kinds = {198, 2}},
-      {.text = "//x\n\r", .kinds = {198}},
-      {.text = "//x", .kinds = {198}},
-      {.text = "a/b/=c", .kinds = {172, 197, 172, 132, 172}},
+      {.text = "/**/x", .kinds = {ctBlockComment, ctIdentifier}},
+      {.text = "/*/ x */y", .kinds = {ctBlockComment, ctIdentifier}},
+      {.text = "/*/", .kinds = {ctBlockComment}},
+      {.text = "/* unclosed\r\n", .kinds = {ctBlockComment}},
+      {.text = "a//x\n\n\r\nb", .kinds = {ctIdentifier, ctLineComment, ctIdentifier}},
+      {.text = "//x\r\r\n", .kinds = {ctLineComment, ctLineEnd}},
+      {.text = "//x\n\r", .kinds = {ctLineComment}},
+      {.text = "//x", .kinds = {ctLineComment}},
+      {.text = "a/b/=c",
+       .kinds = {ctIdentifier, ctSlash, ctIdentifier, ctSlashAssign, ctIdentifier}},
       // Line ends: CR LF and LF CR are one line end each, CR CR and LF LF two.
-      {.text = "\r\n", .kinds = {2}},
-      {.text = "\n\r", .kinds = {2}},
-      {.text = "\r\r", .kinds = {2, 2}},
-      {.text = "\n\n", .kinds = {2, 2}},
-      {.text = "\n\r\n", .kinds = {2, 2}},
-      {.text = "\x01\t\x0B\x0C\x0E\x1F \x01", .kinds = {1}},
+      {.text = "\r\n", .kinds = {ctLineEnd}},
+      {.text = "\n\r", .kinds = {ctLineEnd}},
+      {.text = "\r\r", .kinds = {ctLineEnd, ctLineEnd}},
+      {.text = "\n\n", .kinds = {ctLineEnd, ctLineEnd}},
+      {.text = "\n\r\n", .kinds = {ctLineEnd, ctLineEnd}},
+      {.text = "\x01\t\x0B\x0C\x0E\x1F \x01", .kinds = {ctWhitespace}},
       // Unknown punctuators and characters.
-      {.text = "?", .kinds = {204}},
-      {.text = "? :", .kinds = {204, 1, 150}},
-      {.text = "@\\`", .kinds = {204, 204, 204}},
-      {.text = "$\x7F\x80\xFF", .kinds = {206, 206, 206, 206}},
+      {.text = "?", .kinds = {ctUnknownPunctuator}},
+      {.text = "? :", .kinds = {ctUnknownPunctuator, ctWhitespace, ctColon}},
+      {.text = "@\\`", .kinds = {ctUnknownPunctuator, ctUnknownPunctuator, ctUnknownPunctuator}},
+      {.text = "$\x7F\x80\xFF", .kinds = {ctUnknownChar, ctUnknownChar, ctIdentifier}},
       // Longest match stops at three characters.
-      {.text = "....", .kinds = {205, 188}},
-      {.text = "->**", .kinds = {154, 202}},
-      {.text = "<<<=", .kinds = {195, 179}},
-      {.text = "- >", .kinds = {180, 1, 170}},
+      {.text = "....", .kinds = {ctEllipsis, ctDot}},
+      {.text = "->**", .kinds = {ctArrowStar, ctStar}},
+      {.text = "<<<=", .kinds = {ctShiftLeft, ctLessEqual}},
+      {.text = "- >", .kinds = {ctMinus, ctWhitespace, ctGreater}},
       {.text = "", .kinds = {}},
   };
   for (const auto& c : cases) EXPECT_EQ(Scan<TCPPTokenizer>(c.text).kinds, c.kinds) << c.text;
@@ -100,18 +110,65 @@ TEST(CppTokenizerTest, EveryPunctuatorIsOneToken) {
     const char* text;
     int kind;
   } cases[] = {
-      {"!", 183},  {"!=", 184}, {"%", 182},   {"%=", 136}, {"&", 142},   {"&&", 176},  {"&=", 131},
-      {"(", 191},  {"()", 192}, {")", 190},   {"*", 202},  {"*=", 137},  {"+", 186},   {"++", 187},
-      {"+=", 139}, {",", 149},  {"-", 180},   {"--", 181}, {"-=", 138},  {"->", 193},  {"->*", 154},
-      {".", 188},  {"..", 189}, {"...", 205}, {".*", 153}, {"/", 197},   {"/=", 132},  {":", 150},
-      {"::", 151}, {";", 194},  {"<", 178},   {"<=", 179}, {"<<", 195},  {"<<=", 140}, {"=", 135},
-      {"==", 169}, {">", 170},  {">=", 171},  {">>", 196}, {">>=", 141}, {"?:", 152},  {"[", 200},
-      {"[]", 201}, {"]", 199},  {"^", 173},   {"^=", 133}, {"|", 174},   {"||", 177},  {"|=", 134},
-      {"~", 207},  {"{", 146},  {"{}", 147},  {"}", 145},  {"##", 144},
+      {"!", ctNot},
+      {"!=", ctNotEqual},
+      {"%", ctPercent},
+      {"%=", ctPercentAssign},
+      {"&", ctAmpersand},
+      {"&&", ctLogicalAnd},
+      {"&=", ctAndAssign},
+      {"(", ctOpenParen},
+      {"()", ctParens},
+      {")", ctCloseParen},
+      {"*", ctStar},
+      {"*=", ctStarAssign},
+      {"+", ctPlus},
+      {"++", ctPlusPlus},
+      {"+=", ctPlusAssign},
+      {",", ctComma},
+      {"-", ctMinus},
+      {"--", ctMinusMinus},
+      {"-=", ctMinusAssign},
+      {"->", ctArrow},
+      {"->*", ctArrowStar},
+      {".", ctDot},
+      {"..", ctDotDot},
+      {"...", ctEllipsis},
+      {".*", ctDotStar},
+      {"/", ctSlash},
+      {"/=", ctSlashAssign},
+      {":", ctColon},
+      {"::", ctScope},
+      {";", ctSemicolon},
+      {"<", ctLess},
+      {"<=", ctLessEqual},
+      {"<<", ctShiftLeft},
+      {"<<=", ctShiftLeftAssign},
+      {"=", ctAssign},
+      {"==", ctEqual},
+      {">", ctGreater},
+      {">=", ctGreaterEqual},
+      {">>", ctShiftRight},
+      {">>=", ctShiftRightAssign},
+      {"?:", ctQuestionColon},
+      {"[", ctOpenBracket},
+      {"[]", ctBrackets},
+      {"]", ctCloseBracket},
+      {"^", ctCaret},
+      {"^=", ctCaretAssign},
+      {"|", ctBar},
+      {"||", ctLogicalOr},
+      {"|=", ctBarAssign},
+      {"~", ctTilde},
+      {"{", ctOpenBrace},
+      {"{}", ctBraces},
+      {"}", ctCloseBrace},
+      {"##", ctHashHash},
   };
   for (const auto& c : cases) {
     // Followed by an identifier so that a token that ran on too far would show.
-    EXPECT_EQ(Scan<TCPPTokenizer>(std::string(c.text) + "x").kinds, (std::vector<int>{c.kind, 172}))
+    EXPECT_EQ(Scan<TCPPTokenizer>(std::string(c.text) + "x").kinds,
+              (std::vector<int>{c.kind, ctIdentifier}))
         << c.text;
     EXPECT_EQ(CppTokenKindName(c.kind), c.text);
   }
@@ -142,17 +199,17 @@ TEST(CppTokenizerTest, EveryKeywordHasTheKindOfItsPlace) {
   ASSERT_EQ(std::size(keywords), 94u);
   for (int place = 0; place < 94; ++place) {
     const std::string word = keywords[place];
-    EXPECT_EQ(Scan<TCPPTokenizer>(word).kinds, std::vector<int>{10 + place}) << word;
+    EXPECT_EQ(Scan<TCPPTokenizer>(word).kinds, std::vector<int>{ctAsm_2 + place}) << word;
     // Also past the text's first eight characters, where the scanner reads whole words.
     EXPECT_EQ(Scan<TCPPTokenizer>("12345678 " + word + ";").kinds,
-              (std::vector<int>{185, 1, 10 + place, 194}))
+              (std::vector<int>{ctNumber, ctWhitespace, ctAsm_2 + place, ctSemicolon}))
         << word;
-    EXPECT_EQ(CppTokenKindName(10 + place), "kw:" + word);
+    EXPECT_EQ(CppTokenKindName(ctAsm_2 + place), "kw:" + word);
     // Near misses are identifiers: a character more, the first letter in upper case.
-    EXPECT_EQ(Scan<TCPPTokenizer>(word + "x").kinds, std::vector<int>{172}) << word;
+    EXPECT_EQ(Scan<TCPPTokenizer>(word + "x").kinds, std::vector<int>{ctIdentifier}) << word;
     std::string upper = word;
     upper[upper.find_first_not_of('_')] -= 32;
-    EXPECT_EQ(Scan<TCPPTokenizer>(upper).kinds, std::vector<int>{172}) << upper;
+    EXPECT_EQ(Scan<TCPPTokenizer>(upper).kinds, std::vector<int>{ctIdentifier}) << upper;
   }
 }
 
@@ -161,11 +218,15 @@ TEST(CppTokenizerTest, KeywordsAtIrregularPlacesAndTableEnds) {
     const char* text;
     int kind;
   } cases[] = {
-      {"__asm", 10},    {"while", 103},           {"break", 15},    {"bool", 16},
-      {"_export", 40},  {"__export", 41},         {"typename", 94}, {"typeid", 95},
-      {"using", 97},    {"unsigned", 98},         {"class", 23},    {"struct", 84},
-      {"union", 96},    {"__property", 70},       {"__int8", 56},   {"__int64", 59},
-      {"wchar_t", 102}, {"reinterpret_cast", 74},
+      {"__asm", ctAsm_2},       {"while", ctWhile},
+      {"break", ctBreak},       {"bool", ctBool},
+      {"_export", ctExport_1},  {"__export", ctExport_2},
+      {"typename", ctTypename}, {"typeid", ctTypeid},
+      {"using", ctUsing},       {"unsigned", ctUnsigned},
+      {"class", ctClass},       {"struct", ctStruct},
+      {"union", ctUnion},       {"__property", ctProperty_2},
+      {"__int8", ctInt8_2},     {"__int64", ctInt64_2},
+      {"wchar_t", ctWcharT},    {"reinterpret_cast", ctReinterpretCast},
   };
   for (const auto& c : cases)
     EXPECT_EQ(Scan<TCPPTokenizer>(c.text).kinds, std::vector<int>{c.kind}) << c.text;
@@ -176,13 +237,14 @@ TEST(CppTokenizerTest, EveryDirective) {
     const char* text;
     int kind;
   } cases[] = {
-      {"#define", 155},  {"#elif", 156}, {"#else", 157},   {"#endif", 158},
-      {"#error", 159},   {"#if", 160},   {"#ifdef", 161},  {"#ifndef", 162},
-      {"#include", 163}, {"#line", 164}, {"#pragma", 166}, {"#undef", 167},
+      {"#define", ctHashDefine}, {"#elif", ctHashElif},     {"#else", ctHashElse},
+      {"#endif", ctHashEndif},   {"#error", ctHashError},   {"#if", ctHashIf},
+      {"#ifdef", ctHashIfdef},   {"#ifndef", ctHashIfndef}, {"#include", ctHashInclude},
+      {"#line", ctHashLine},     {"#pragma", ctHashPragma}, {"#undef", ctHashUndef},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Scan<TCPPTokenizer>(std::string(c.text) + " x").kinds,
-              (std::vector<int>{c.kind, 1, 172}))
+              (std::vector<int>{c.kind, ctWhitespace, ctIdentifier}))
         << c.text;
     EXPECT_EQ(CppTokenKindName(c.kind), c.text);
   }
@@ -210,11 +272,11 @@ TEST(CppTokenizerTest, EmptyTextHasOnlyTheEndEntry) {
   TCPPTokenizer t;
   t.SetText("", 0);
   EXPECT_EQ(t.LastIndex(), 0);
-  EXPECT_EQ(t.Kind(), 0);
+  EXPECT_EQ(t.Kind(), ctEndOfText);
   EXPECT_EQ(t.Offset(), 0);
   EXPECT_EQ(t.Text(), "");
-  EXPECT_EQ(t.NextSignificant(), 0);
-  EXPECT_EQ(t.PrevSignificant(), 0);
+  EXPECT_EQ(t.NextSignificant(), ctEndOfText);
+  EXPECT_EQ(t.PrevSignificant(), ctEndOfText);
   EXPECT_EQ(t.Index(), 0);
 }
 

@@ -16,7 +16,8 @@
 #include <vector>
 
 #include "model/class_list.h"
-#include "support/stream.h"
+#include "parsing/parse_merge.h"
+#include "parsing/source_provider.h"
 #include "support/sync.h"
 
 namespace velmora {
@@ -24,16 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
-
-// Records what a job parsed, in order.
-class TParseLog : public TParseObserver {
- public:
-  void FileParsed(const std::string& name, const TMemoryStream&, const TStringList&,
-                  double) override {
-    parsed.push_back(name);
-  }
-  Names parsed;
-};
 
 Names ListOf(const TStringList& list) {
   Names names;
@@ -156,11 +147,14 @@ TEST_F(ParserThreadsTest, FollowsIncludesAndRewritesTheRootEntry) {
     TClasslist target;
     target.Includes.FindOrAdd(Path(c.root))->IncludedNames.Add("stale");
     TStringList parsedNames(false, TDuplicates::Accept, true);
-    TParseLog log;
-    StartParse(target, nullptr, Path(c.root), &includePath, &known, &parsedNames,
-               {.Observer = &log});
+    StartParse(target, nullptr, Path(c.root), &includePath, &known, &parsedNames, {});
+    // The job alone, to see every parse it made.
+    const TParseRequest request = MakeParseRequest(Path(c.root), &includePath, &known, {});
+    const TParseResult job = RunParseJob(request, MakeParseJobHooks(request, DiskSources()));
+    Names parses;
+    for (const TFileParse& file : job.Files) parses.push_back(file.Path);
 
-    EXPECT_EQ(Relative(log.parsed), c.parses);
+    EXPECT_EQ(Relative(parses), c.parses);
     EXPECT_EQ(Relative(ListOf(parsedNames)), c.reached);
     const TIncludeUnit* entry = target.Includes.Find(Path(c.root));
     EXPECT_EQ(Relative(entry ? ListOf(entry->IncludedNames) : Names{}), c.reached);
@@ -191,20 +185,27 @@ TEST_F(ParserThreadsTest, PascalOptionDecidesWhetherTheImplementationIsRead) {
   }
 }
 
-// Loads slowly, or fails for one file name. The thread frees itself: what it records
-// goes to the test's own vector.
+// Loads slowly, or fails for one file name; its pauses between attempts are recorded
+// instead of slept. The thread frees itself: what it records goes to the test's vectors.
 class TScriptedLoadThread : public TCPPParserThread {
  public:
-  using TCPPParserThread::TCPPParserThread;
+  TScriptedLoadThread(const std::string& fileName, TStringList* parsedNames,
+                      const TParserThreadOptions& options, TClasslist* target)
+      : TCPPParserThread(fileName, nullptr, nullptr, parsedNames, options, target) {
+    Pause = [this](std::chrono::milliseconds pause) {
+      if (pauses) pauses->push_back(pause);
+    };
+  }
   std::string failing;
-  std::vector<std::chrono::steady_clock::time_point>* failedAttempts = nullptr;
+  int* failedAttempts = nullptr;
+  std::vector<std::chrono::milliseconds>* pauses = nullptr;
   std::chrono::milliseconds delay{0};
 
  protected:
-  std::unique_ptr<TMemoryStream> LoadFile(const std::string& name) override {
+  std::string LoadFile(const std::string& name) override {
     std::this_thread::sleep_for(delay);
     if (name != failing) return TCPPParserThread::LoadFile(name);
-    failedAttempts->push_back(std::chrono::steady_clock::now());
+    ++*failedAttempts;
     throw std::runtime_error("being written by someone else");
   }
 };
@@ -213,39 +214,43 @@ TEST_F(ParserThreadsTest, UnreadableFileIsTriedAgainThenPassedOver) {
   Write({{"r.cpp", "#include \"bad.h\"\n#include \"good.h\"\n"},
          {"bad.h", "class TBad {};\n"},
          {"good.h", "class TGood {};\n"}});
+  using std::chrono::milliseconds;
   const struct {
     int budget, attempts;
-  } cases[] = {{.budget = 0, .attempts = 1}, {.budget = 2, .attempts = 3}};
+    std::vector<milliseconds> pauses;
+  } cases[] = {{.budget = 0, .attempts = 1, .pauses = {}},
+               {.budget = 2, .attempts = 3, .pauses = {milliseconds(100), milliseconds(100)}}};
   for (const auto& c : cases) {
     TClasslist target;
     TStringList parsedNames(false, TDuplicates::Accept, true);
-    auto* thread = new TScriptedLoadThread(Path("r.cpp"), nullptr, nullptr, &parsedNames,
-                                           {.RetryBudget = c.budget}, nullptr, &target);
-    std::vector<std::chrono::steady_clock::time_point> attempts;
+    auto* thread =
+        new TScriptedLoadThread(Path("r.cpp"), &parsedNames, {.RetryBudget = c.budget}, &target);
+    int attempts = 0;
+    std::vector<milliseconds> pauses;
     thread->failing = Path("bad.h");
     thread->failedAttempts = &attempts;
+    thread->pauses = &pauses;
     ResumeParserThread(thread);
 
-    ASSERT_EQ(static_cast<int>(attempts.size()), c.attempts) << "budget " << c.budget;
-    for (size_t i = 1; i < attempts.size(); ++i)
-      EXPECT_GE(attempts[i] - attempts[i - 1], std::chrono::milliseconds(95)) << "attempt " << i;
+    EXPECT_EQ(attempts, c.attempts) << "budget " << c.budget;
+    EXPECT_EQ(pauses, c.pauses) << "budget " << c.budget;
     EXPECT_EQ(target.Find("TBad"), nullptr);
     EXPECT_NE(target.Find("TGood"), nullptr) << "the job goes on after giving a file up";
     EXPECT_EQ(Relative(ListOf(parsedNames)), (Names{"bad.h", "good.h"}));
   }
 }
 
-// A class list whose marking fails: an error outside the per-file attempts.
-class TBrokenTarget : public TClasslist {
- public:
-  void Mark(std::optional<std::string_view>, bool) override { throw std::runtime_error("broken"); }
-};
-
-TEST_F(ParserThreadsTest, CallerIsReleasedWhenTheJobItselfFails) {
+TEST_F(ParserThreadsTest, AJobThatFailsOutsideItsFilesEndsCancelled) {
   Write({{"r.cpp", "#include \"a.h\"\nclass TRoot {};\n"}, {"a.h", ""}});
-  TBrokenTarget target;
-  StartParse(target, nullptr, Path("r.cpp"), nullptr, nullptr, nullptr, {});  // returns
-  EXPECT_NE(target.Find("TRoot"), nullptr);
+  const TParseRequest request = MakeParseRequest(Path("r.cpp"), nullptr, nullptr, {});
+  TParseJobHooks hooks = MakeParseJobHooks(request, DiskSources());
+  hooks.Exists = [](const std::string&) -> bool { throw std::runtime_error("broken"); };
+  const TParseResult result = RunParseJob(request, hooks);  // returns
+  EXPECT_TRUE(result.Cancelled);
+  TClasslist target;
+  target.FindOrAdd("TKept", TLanguage::Cpp)->UnitName = "r.cpp";
+  MergeParseResult(target, result);
+  EXPECT_NE(target.Find("TKept"), nullptr) << "a cancelled result changes nothing";
 }
 
 TEST_F(ParserThreadsTest, ReleaseByAnotherJobDoesNotEndTheWait) {
@@ -253,8 +258,7 @@ TEST_F(ParserThreadsTest, ReleaseByAnotherJobDoesNotEndTheWait) {
   TSemaphore otherJob(ParseSemaphoreName());
   otherJob.Release();  // as if another job's thread had just finished
   TClasslist target;
-  auto* slow =
-      new TScriptedLoadThread(Path("r.cpp"), nullptr, nullptr, nullptr, {}, nullptr, &target);
+  auto* slow = new TScriptedLoadThread(Path("r.cpp"), nullptr, {}, &target);
   slow->delay = std::chrono::milliseconds(100);
   ResumeParserThread(slow);
   EXPECT_NE(target.Find("TSlow"), nullptr);

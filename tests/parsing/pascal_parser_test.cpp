@@ -209,6 +209,11 @@ TEST(PascalParserTest, TypeDeclarationHeads) {
       {.text = "type R = record a: Integer; end; E = (x, y); A = TFoo; P = procedure of object;",
        .expected = ""},
       {.text = "type TBar = class(TFoo);", .expected = "class TBar(TFoo)"},
+      // Names with letters beyond ASCII, in UTF-8 and in Windows-1252, are read whole.
+      {.text = "type TW\xC3\xA4rme = class(TB\xC3\xA4"
+               "se) end; T\xE4gl = class(TW\xE4rme);",
+       .expected = "class TW\xC3\xA4rme(TB\xC3\xA4"
+                   "se)\nclass T\xE4gl(TW\xE4rme)"},
       {.text = "type TBar = packed class end;", .expected = "class TBar"},
       // Every name of the list, qualified ones by their last part.
       {.text = "type TBar = class(TFoo, IA, Sys.IB) end;", .expected = "class TBar(TFoo, IA, IB)"},
@@ -332,6 +337,12 @@ TEST(PascalParserTest, VisibilityFieldsAndProperties) {
                "property Intf: IFoo read FIntf implements IFoo; property Caption;",
        .expected = "property published Tag: Longint read FTag write FTag default nodefault\n"
                    "property published Intf: IFoo read FIntf\nproperty published Caption: "},
+      // A set is one value; directives before a value are passed, the first branch's
+      // value taken.
+      {.text = "property Anchors default [akLeft, akTop]; property Align: TAlign "
+               "default {$ifdef UseNone}alNone{$else}alClient{$endif};",
+       .expected = "property published Anchors:  default [akLeft, akTop]\n"
+                   "property published Align: TAlign default alNone"},
       // A property missing its `;` ends at the next member.
       {.text = "property A: Integer read FA\nprocedure M;",
        .expected = "property published A: Integer read FA\nmethod published procedure M() 0x0000"},
@@ -375,11 +386,19 @@ TEST(PascalParserTest, RoutinesIncludesAndImplementation) {
        .parseImplementation = false,
        .expected = "class T\nmethod published procedure M() 0x0000",
        .inImplementation = true},
-      // Method headings and procedural types are no routines.
+      // Method headings and procedural types are no routines; a method heading shows the
+      // code to be implementation code.
       {.text = "procedure TFoo.Bar; type P = procedure(X: Integer); F = function: Byte;",
        .parseImplementation = true,
        .expected = "",
-       .inImplementation = false},
+       .inImplementation = true},
+      // An `.inc` file included in an implementation section: the routines local to a
+      // method body are no routines of the unit, and neither is what follows the method.
+      {.text = "function Before: Integer; procedure TFoo.Bar;\n  procedure Local(A: Integer);\n"
+               "  begin end;\nbegin Local(1); end;\nprocedure After; begin end;",
+       .parseImplementation = false,
+       .expected = "routine function Before(): Integer 0x0000",
+       .inImplementation = true},
   };
   for (const auto& c : cases) {
     TClasslist list;

@@ -17,59 +17,71 @@ TEST(PascalTokenizerTest, Kinds) {
     std::string text;
     std::vector<int> kinds;
   } cases[] = {
-      {.text = "Result:=-1;", .kinds = {127, 116, 144, 134, 139}},
-      {.text = "BEGIN begin BeGiN", .kinds = {13, 1, 13, 1, 13}},
-      {.text = "end.", .kinds = {24, 136}},
-      {.text = "Name Index READ", .kinds = {90, 1, 88, 1, 101}},
+      {.text = "Result:=-1;",
+       .kinds = {ptIdentifier, ptAssign, ptUnknownPunctuator, ptNumber, ptSemicolon}},
+      {.text = "BEGIN begin BeGiN",
+       .kinds = {ptBegin, ptWhitespace, ptBegin, ptWhitespace, ptBegin}},
+      {.text = "end.", .kinds = {ptEnd, ptDot}},
+      {.text = "Name Index READ", .kinds = {ptName, ptWhitespace, ptIndex, ptWhitespace, ptRead}},
       // Numbers: decimal runs, $ hexadecimal runs, # character codes.
-      {.text = "1.5", .kinds = {134, 136, 134}},
-      {.text = "1..5", .kinds = {134, 122, 134}},
-      {.text = "$1aF", .kinds = {128}},
-      {.text = "$FFg", .kinds = {128, 127}},
-      {.text = "$", .kinds = {128}},
-      {.text = "#$0D", .kinds = {114, 128}},
-      {.text = "#13#10", .kinds = {114, 114}},
-      {.text = "#", .kinds = {114}},
+      {.text = "1.5", .kinds = {ptNumber, ptDot, ptNumber}},
+      {.text = "1..5", .kinds = {ptNumber, ptDotDot, ptNumber}},
+      {.text = "$1aF", .kinds = {ptHexNumber}},
+      {.text = "$FFg", .kinds = {ptHexNumber, ptIdentifier}},
+      {.text = "$", .kinds = {ptHexNumber}},
+      {.text = "#$0D", .kinds = {ptCharCode, ptHexNumber}},
+      {.text = "#13#10", .kinds = {ptCharCode, ptCharCode}},
+      {.text = "#", .kinds = {ptCharCode}},
       // Strings: a doubled quote closes one piece and opens the next; an unclosed string
       // stops before the line end.
-      {.text = "'It''s'", .kinds = {150, 150}},
-      {.text = "''", .kinds = {150}},
-      {.text = "'abc", .kinds = {150}},
-      {.text = "'ab\r\ncd'", .kinds = {150, 2, 127, 150}},
-      {.text = "'a\nb", .kinds = {150, 2, 127}},
+      {.text = "'It''s'", .kinds = {ptStringLiteral, ptStringLiteral}},
+      {.text = "''", .kinds = {ptStringLiteral}},
+      {.text = "'abc", .kinds = {ptStringLiteral}},
+      {.text = "'ab\r\ncd'", .kinds = {ptStringLiteral, ptLineEnd, ptIdentifier, ptStringLiteral}},
+      {.text = "'a\nb", .kinds = {ptStringLiteral, ptLineEnd, ptIdentifier}},
       // Braces: a directive when $ follows directly, otherwise a comment.
-      {.text = "{$I x}", .kinds = {121}},
-      {.text = "{ x }", .kinds = {118}},
-      {.text = "{ $I x}", .kinds = {118}},
-      {.text = "{}", .kinds = {118}},
-      {.text = "{unclosed\r\nx", .kinds = {118}},
-      {.text = "{$unclosed", .kinds = {121}},
-      {.text = "{a}}", .kinds = {118, 145}},
+      {.text = "{$I x}", .kinds = {ptCompilerDirective}},
+      {.text = "{ x }", .kinds = {ptBraceComment}},
+      {.text = "{ $I x}", .kinds = {ptBraceComment}},
+      {.text = "{}", .kinds = {ptBraceComment}},
+      {.text = "{unclosed\r\nx", .kinds = {ptBraceComment}},
+      {.text = "{$unclosed", .kinds = {ptCompilerDirective}},
+      {.text = "{a}}", .kinds = {ptBraceComment, ptUnknownChar}},
       // Parenthesis comments and the bracket digraphs.
-      {.text = "(* a *)x", .kinds = {113, 127}},
-      {.text = "(**)", .kinds = {113}},
-      {.text = "(*) x *)", .kinds = {113}},
-      {.text = "(*)", .kinds = {113}},
-      {.text = "a(.1.)", .kinds = {127, 142, 134, 141}},
-      {.text = "( . )", .kinds = {138, 1, 136, 1, 137}},
+      {.text = "(* a *)x", .kinds = {ptParenComment, ptIdentifier}},
+      {.text = "(**)", .kinds = {ptParenComment}},
+      {.text = "(*) x *)", .kinds = {ptParenComment}},
+      {.text = "(*)", .kinds = {ptParenComment}},
+      {.text = "a(.1.)", .kinds = {ptIdentifier, ptOpenBracket, ptNumber, ptCloseBracket}},
+      {.text = "( . )", .kinds = {ptOpenParen, ptWhitespace, ptDot, ptWhitespace, ptCloseParen}},
       // Line comments run to the next CR, taking it and one LF.
-      {.text = "a//x\n\n\r\nb", .kinds = {127, 140, 127}},
-      {.text = "//x\r\r\n", .kinds = {140, 2}},
-      {.text = "//", .kinds = {140}},
+      {.text = "a//x\n\n\r\nb", .kinds = {ptIdentifier, ptLineComment, ptIdentifier}},
+      {.text = "//x\r\r\n", .kinds = {ptLineComment, ptLineEnd}},
+      {.text = "//", .kinds = {ptLineComment}},
       // Punctuators.
       {.text = ":= : = <> <= >= < >",
-       .kinds = {116, 1, 119, 1, 123, 1, 133, 1, 130, 1, 126, 1, 129, 1, 125}},
+       .kinds = {ptAssign, ptWhitespace, ptColon, ptWhitespace, ptEqual, ptWhitespace, ptNotEqual,
+                 ptWhitespace, ptLessEqual, ptWhitespace, ptGreaterEqual, ptWhitespace, ptLess,
+                 ptWhitespace, ptGreater}},
       {.text = "..;,+*/&@^[]()",
-       .kinds = {122, 139, 120, 135, 143, 146, 147, 148, 149, 142, 141, 138, 137}},
-      {.text = "-~!?\"%\\`", .kinds = {144, 144, 144, 144, 144, 144, 144, 144}},
-      {.text = "|}\x7F\x80\xFF", .kinds = {145, 145, 145, 145, 145}},
+       .kinds = {ptDotDot, ptSemicolon, ptComma, ptPlus, ptStar, ptSlash, ptAmpersand, ptAt,
+                 ptCaret, ptOpenBracket, ptCloseBracket, ptOpenParen, ptCloseParen}},
+      {.text = "-~!?\"%\\`",
+       .kinds = {ptUnknownPunctuator, ptUnknownPunctuator, ptUnknownPunctuator, ptUnknownPunctuator,
+                 ptUnknownPunctuator, ptUnknownPunctuator, ptUnknownPunctuator,
+                 ptUnknownPunctuator}},
+      {.text = "|}\x7F\x80\xFF",
+       .kinds = {ptUnknownChar, ptUnknownChar, ptUnknownChar, ptIdentifier}},
+      // A byte above 127 is a letter (Windows-1252 `é` here, or part of a UTF-8 one).
       {.text = "a\xE9"
                "b",
-       .kinds = {127, 145, 127}},
+       .kinds = {ptIdentifier}},
       // Identifiers longer than any keyword, and keywords with a character more.
-      {.text = "initialization initializations", .kinds = {37, 1, 127}},
-      {.text = "ImplementationX _end end_", .kinds = {127, 1, 127, 1, 127}},
-      {.text = "\n\r\r\n\r", .kinds = {2, 2, 2}},
+      {.text = "initialization initializations",
+       .kinds = {ptInitialization, ptWhitespace, ptIdentifier}},
+      {.text = "ImplementationX _end end_",
+       .kinds = {ptIdentifier, ptWhitespace, ptIdentifier, ptWhitespace, ptIdentifier}},
+      {.text = "\n\r\r\n\r", .kinds = {ptLineEnd, ptLineEnd, ptLineEnd}},
       {.text = "", .kinds = {}},
   };
   for (const auto& c : cases) EXPECT_EQ(Scan<TPascalTokenizer>(c.text).kinds, c.kinds) << c.text;
@@ -189,14 +201,14 @@ TEST(PascalTokenizerTest, EveryKeywordHasTheKindOfItsPlaceInAnyCase) {
       if (i % 2 == 0) mixed[i] -= 32;
     }
     for (const std::string& text : {word, upper, mixed}) {
-      EXPECT_EQ(Scan<TPascalTokenizer>(text).kinds, std::vector<int>{10 + place}) << text;
+      EXPECT_EQ(Scan<TPascalTokenizer>(text).kinds, std::vector<int>{ptAnd + place}) << text;
       // Also past the text's first eight characters, where the scanner reads whole words.
       EXPECT_EQ(Scan<TPascalTokenizer>("12345678 " + text + ";").kinds,
-                (std::vector<int>{134, 1, 10 + place, 139}))
+                (std::vector<int>{ptNumber, ptWhitespace, ptAnd + place, ptSemicolon}))
           << text;
     }
-    EXPECT_EQ(PascalTokenKindName(10 + place), "kw:" + word);
-    EXPECT_EQ(Scan<TPascalTokenizer>(word + "1").kinds, std::vector<int>{127}) << word;
+    EXPECT_EQ(PascalTokenKindName(ptAnd + place), "kw:" + word);
+    EXPECT_EQ(Scan<TPascalTokenizer>(word + "1").kinds, std::vector<int>{ptIdentifier}) << word;
   }
 }
 
@@ -205,12 +217,22 @@ TEST(PascalTokenizerTest, KeywordsAtTableEnds) {
     const char* text;
     int kind;
   } cases[] = {
-      {"and", 10},        {"xor", 73},        {"absolute", 74},
-      {"writeonly", 112}, {"class", 15},      {"implementation", 34},
-      {"interface", 39},  {"procedure", 51},  {"property", 53},
-      {"record", 55},     {"type", 66},       {"unit", 67},
-      {"private", 97},    {"published", 100}, {"read", 101},
-      {"write", 111},
+      {"and", ptAnd},
+      {"xor", ptXor},
+      {"absolute", ptAbsolute},
+      {"writeonly", ptWriteonly},
+      {"class", ptClass},
+      {"implementation", ptImplementation},
+      {"interface", ptInterface},
+      {"procedure", ptProcedure},
+      {"property", ptProperty},
+      {"record", ptRecord},
+      {"type", ptType},
+      {"unit", ptUnit},
+      {"private", ptPrivate},
+      {"published", ptPublished},
+      {"read", ptRead},
+      {"write", ptWrite},
   };
   for (const auto& c : cases)
     EXPECT_EQ(Scan<TPascalTokenizer>(c.text).kinds, std::vector<int>{c.kind}) << c.text;

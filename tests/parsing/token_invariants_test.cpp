@@ -41,7 +41,7 @@ void CheckInvariants(const std::string& name, const std::string& text, bool cpp)
   ASSERT_EQ(t->Offsets().Count(), t->Kinds().Count()) << name;
   EXPECT_EQ(t->TokenOffset(0), 0) << name;
   EXPECT_EQ(t->TokenOffset(last), nul) << name;
-  EXPECT_EQ(t->Kinds().Get(last), 0) << name;
+  EXPECT_EQ(t->Kinds().Get(last), tkEndOfText) << name;
 
   int32_t line = 1;  // counted here independently: LF, or CR not followed by LF
   int32_t counted = 0;

@@ -149,13 +149,13 @@ TEST(TokenizerCursorTest, KindAtCountsEachTokenOnceAndClamps) {
   const std::string text = "a\r\nb";
   TCPPTokenizer t;
   t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
-  EXPECT_EQ(t.KindAt(1), 2);
+  EXPECT_EQ(t.KindAt(1), ctLineEnd);
   EXPECT_EQ(t.GetLine(), 2);
-  EXPECT_EQ(t.KindAt(1), 2);  // the same token again: not counted twice
+  EXPECT_EQ(t.KindAt(1), ctLineEnd);  // the same token again: not counted twice
   EXPECT_EQ(t.GetLine(), 2);
-  EXPECT_EQ(t.KindAt(99), 0);
-  EXPECT_EQ(t.KindAt(-5), 0);
-  EXPECT_EQ(t.KindAt(1), 2);
+  EXPECT_EQ(t.KindAt(99), ctEndOfText);
+  EXPECT_EQ(t.KindAt(-5), ctEndOfText);
+  EXPECT_EQ(t.KindAt(1), ctLineEnd);
   EXPECT_EQ(t.GetLine(), 3);
   t.SetIndex(1);  // moves the cursor only
   EXPECT_EQ(t.GetLine(), 3);
@@ -203,12 +203,12 @@ TEST(TokenizerCursorTest, NextSkipCommentsStopsOnBlanks) {
   const std::string text = "a/**/// x\r\n b";
   TCPPTokenizer t;
   t.SetText(text.c_str(), static_cast<int32_t>(text.size()));
-  EXPECT_EQ(t.NextSkipComments(), 1);
+  EXPECT_EQ(t.NextSkipComments(), ctWhitespace);
   EXPECT_EQ(t.Index(), 3);
   EXPECT_EQ(t.GetLine(), 2);
-  EXPECT_EQ(t.NextSkipComments(), 172);
-  EXPECT_EQ(t.NextSkipComments(), 0);
-  EXPECT_EQ(t.NextSkipComments(), 0);
+  EXPECT_EQ(t.NextSkipComments(), ctIdentifier);
+  EXPECT_EQ(t.NextSkipComments(), ctEndOfText);
+  EXPECT_EQ(t.NextSkipComments(), ctEndOfText);
   EXPECT_EQ(t.Index(), t.LastIndex());
 }
 

@@ -45,8 +45,8 @@ TEST(CodeTemplatesTest, DefaultsAsListed) {
 
 TEST(CodeTemplatesTest, OnlyTheTextsAreStored) {
   TVLSettings s;
-  s.PascalTemplates[ptMethodCall].Template = "    inherited;\r\n";
-  s.PascalTemplates[ptMethodCall].Examples[0] = "not stored";
+  TemplateAt(s.PascalTemplates, TPascalTemplateIndex::MethodCall).Template = "    inherited;\r\n";
+  TemplateAt(s.PascalTemplates, TPascalTemplateIndex::MethodCall).Examples[0] = "not stored";
   TMemorySettingsStore store;
   s.Save(store);
   EXPECT_EQ(store.ReadString("CodeGeneration\\Pascal Code Templates", "10", ""),
@@ -56,8 +56,10 @@ TEST(CodeTemplatesTest, OnlyTheTextsAreStored) {
 
   TVLSettings back;
   back.Load(store);
-  EXPECT_EQ(back.PascalTemplates[ptMethodCall].Template, "    inherited;\r\n");
-  EXPECT_EQ(back.PascalTemplates[ptMethodCall].Examples[0], "CreateParams");
+  EXPECT_EQ(TemplateAt(back.PascalTemplates, TPascalTemplateIndex::MethodCall).Template,
+            "    inherited;\r\n");
+  EXPECT_EQ(TemplateAt(back.PascalTemplates, TPascalTemplateIndex::MethodCall).Examples[0],
+            "CreateParams");
   EXPECT_EQ(back.CppTemplates, DefaultCppTemplates());
 }
 

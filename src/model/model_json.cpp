@@ -1,10 +1,10 @@
-#include "model_json.h"
+#include "model/model_json.h"
 
 #include <nlohmann/json.hpp>
 
 #include "model/class_list.h"
 
-namespace velmora::app {
+namespace velmora {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -147,4 +147,4 @@ std::string ModelToJson(const TClasslist& list) {
   return root.dump(2) + "\n";
 }
 
-}  // namespace velmora::app
+}  // namespace velmora

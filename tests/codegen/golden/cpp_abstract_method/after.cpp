@@ -1,0 +1,5 @@
+#include "before.h"
+
+TShape::~TShape()
+{
+}

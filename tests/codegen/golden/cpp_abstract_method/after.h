@@ -1,0 +1,6 @@
+class TShape
+{
+public:
+    virtual ~TShape();
+@^    virtual double Area() const = 0;
+};

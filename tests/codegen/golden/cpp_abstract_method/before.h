@@ -1,0 +1,5 @@
+class TShape
+{
+public:
+    virtual ~TShape();
+};

@@ -1,0 +1,7 @@
+// The parser's helpers.
+#include "before.h"
+
+@^bool TParser2::Reset(int Level)
+{
+
+}

@@ -1,0 +1,6 @@
+class TParser2
+{
+public:
+    int Parse(const char *Text);
+    bool Reset(int Level = 0);
+};

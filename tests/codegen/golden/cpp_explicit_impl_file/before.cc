@@ -1,0 +1,2 @@
+// The parser's helpers.
+#include "before.h"

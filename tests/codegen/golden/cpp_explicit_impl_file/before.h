@@ -1,0 +1,5 @@
+class TParser2
+{
+public:
+    int Parse(const char *Text);
+};

@@ -1,0 +1,10 @@
+#include <vcl.h>
+
+class TCounter : public TObject
+{
+public:
+    __fastcall TCounter();
+    int Count;
+private:
+@^    int FLimit;
+};

@@ -1,0 +1,7 @@
+class TShape : public TObject
+{
+private:
+    int FWidth;
+public:
+    __fastcall TShape();
+};

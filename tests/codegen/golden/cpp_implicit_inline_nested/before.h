@@ -1,0 +1,10 @@
+class TOuter
+{
+public:
+    class TInner
+    {
+    public:
+        int Value;
+    };
+    TInner Item;
+};

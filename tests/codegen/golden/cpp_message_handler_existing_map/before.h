@@ -1,0 +1,12 @@
+class TMainForm : public TForm
+{
+__published:
+    TButton *OkButton;
+protected:
+    void __fastcall WMSize(TWMSize &Message);
+    BEGIN_MESSAGE_MAP
+        VCL_MESSAGE_HANDLER(WM_SIZE, TWMSize, WMSize)
+    END_MESSAGE_MAP(TForm)
+public:
+    __fastcall TMainForm(TComponent *Owner);
+};

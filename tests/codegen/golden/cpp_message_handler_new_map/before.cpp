@@ -1,0 +1,5 @@
+#include "before.h"
+
+__fastcall TMainForm::TMainForm(TComponent *Owner) : TForm(Owner)
+{
+}

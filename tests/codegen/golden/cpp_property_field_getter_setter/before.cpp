@@ -1,0 +1,3 @@
+#include "before.h"
+
+//Marker(Insert_End)

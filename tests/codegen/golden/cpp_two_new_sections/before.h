@@ -1,0 +1,5 @@
+class TPanel2 : public TCustomPanel
+{
+public:
+    __fastcall TPanel2(TComponent *Owner);
+};

@@ -1,0 +1,15 @@
+unit Counter;
+
+interface
+
+type
+  TCounter = class(TObject)
+  public
+    Count: Integer;
+      private
+@^        FLimit: Integer;
+  end;
+
+implementation
+
+end.
