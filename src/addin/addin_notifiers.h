@@ -44,6 +44,7 @@ class TCommonModuleNotifier : public TIModuleNotifier {
   void Notify(TModuleNotification code, TIModule& module) override;
   void ComponentRenamed(const std::string& oldName, const std::string& newName) override;
   const std::string& FileName() const { return fileName_; }
+  TClassBrowserExpert& Expert() const { return expert_; }
 
  private:
   std::string fileName_;  ///< the module's file name as last known

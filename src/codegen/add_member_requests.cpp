@@ -291,10 +291,10 @@ std::string InheritedCall(const TVLSettings& settings, const TClassDescription& 
   const std::string args = ArgumentNamesText(templates, method.Parameters);
   if (IsCpp(cls.Language)) {
     const std::string base = cls.Ancestors.Count() > 0 ? cls.Ancestors[0].AncestorName : "";
-    return templates.Build(TLanguage::Cpp, ctMethodCall, {base, method.Name, args});
+    return templates.Build(TCppTemplateIndex::MethodCall, {base, method.Name, args});
   }
   const bool hasArgs = !args.empty();
-  std::string call = templates.Build(TLanguage::Pascal, ptMethodCall,
+  std::string call = templates.Build(TPascalTemplateIndex::MethodCall,
                                      {method.Name, hasArgs ? "(" : "", args, hasArgs ? ")" : ""});
   // The assignment goes in front of the whole text, its indentation included.
   if (method.Kind == TMethodKind::Function) call.insert(0, "result := ");
@@ -447,8 +447,10 @@ void TAddPropertyRequest::Stage(const TClassDescription& cls, const TVLSettings&
                                                                    : std::string());
     std::string body;
     if (!member.empty()) {
-      const int index = cpp ? (getter ? int{ctPropertyGetCode} : int{ctPropertySetCode})
-                            : (getter ? int{ptPropertyGetCode} : int{ptPropertySetCode});
+      const int index = cpp ? (getter ? static_cast<int>(TCppTemplateIndex::PropertyGetCode)
+                                      : static_cast<int>(TCppTemplateIndex::PropertySetCode))
+                            : (getter ? static_cast<int>(TPascalTemplateIndex::PropertyGetCode)
+                                      : static_cast<int>(TPascalTemplateIndex::PropertySetCode));
       body = templates.Build(language, index, {member});
     }
     generator.AddMethod(*m, implFile, body);

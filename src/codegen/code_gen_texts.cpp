@@ -39,11 +39,11 @@ std::string ParameterListText(const TCodeTemplates& templates, const TParameterL
         forImplementation || p.DefaultValue.empty() ? std::string() : "= " + p.DefaultValue;
     std::string one;
     if (cpp) {
-      one = templates.Build(TLanguage::Cpp, ctMethodParameter,
+      one = templates.Build(TCppTemplateIndex::MethodParameter,
                             {p.ParamType, p.Name, p.Modifier, initializer});
     } else {
       const std::string colon = Trim(p.ParamType).empty() ? "" : ":";
-      one = templates.Build(TLanguage::Pascal, ptMethodParameter,
+      one = templates.Build(TPascalTemplateIndex::MethodParameter,
                             {p.Modifier, p.Name, colon, p.ParamType, initializer});
     }
     if (!result.empty()) result += cpp ? ", " : "; ";
@@ -57,8 +57,11 @@ std::string ArgumentNamesText(const TCodeTemplates& templates, const TParameterL
   std::string result;
   for (const TParameter& p : params.Items) {
     // NAME is the second parameter of both languages' template; the rest stay empty.
-    const std::string one(Trim(templates.Build(
-        params.Language, cpp ? int{ctMethodParameter} : int{ptMethodParameter}, {"", p.Name})));
+    const std::string one(
+        Trim(templates.Build(params.Language,
+                             cpp ? static_cast<int>(TCppTemplateIndex::MethodParameter)
+                                 : static_cast<int>(TPascalTemplateIndex::MethodParameter),
+                             {"", p.Name})));
     if (!result.empty()) result += ", ";
     result += one;
   }

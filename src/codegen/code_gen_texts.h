@@ -31,6 +31,12 @@ struct TCodeTemplates {
   const TCodeTemplate& Get(TLanguage language, int index) const;
   /// Expands the template at `index` of `language` with `values` in its parameter order.
   std::string Build(TLanguage language, int index, const std::vector<std::string>& values) const;
+  std::string Build(TCppTemplateIndex index, const std::vector<std::string>& values) const {
+    return Build(TLanguage::Cpp, static_cast<int>(index), values);
+  }
+  std::string Build(TPascalTemplateIndex index, const std::vector<std::string>& values) const {
+    return Build(TLanguage::Pascal, static_cast<int>(index), values);
+  }
 };
 
 /// The word a visibility is written with ("" above automated).

@@ -80,7 +80,8 @@ std::string DescriptionText(const TCodeTemplates& templates, TLanguage language,
                             const TClassNames& names, const TCodeObject& member,
                             const std::string& description) {
   return templates.Build(language,
-                         IsCpp(language) ? int{ctDescriptionBlock} : int{ptDescriptionBlock},
+                         IsCpp(language) ? static_cast<int>(TCppTemplateIndex::DescriptionBlock)
+                                         : static_cast<int>(TPascalTemplateIndex::DescriptionBlock),
                          {names.Name + "." + member.Name, description});
 }
 
@@ -103,7 +104,9 @@ const std::string& TCodeInsertObject::TargetFile() const {
 }
 
 std::string TVisibilityInsertObject::BuildText() {
-  return Templates().Build(Language(), IsCpp(Language()) ? int{ctVisibility} : int{ptVisibility},
+  return Templates().Build(Language(),
+                           IsCpp(Language()) ? static_cast<int>(TCppTemplateIndex::Visibility)
+                                             : static_cast<int>(TPascalTemplateIndex::Visibility),
                            {std::string(VisibilityWord(Visibility, Language()))});
 }
 
@@ -124,9 +127,9 @@ TVisibility TFieldInsertObject::OrderVisibility() const {
 
 std::string TFieldInsertObject::BuildText() {
   if (IsCpp(Language()))
-    return Templates().Build(TLanguage::Cpp, ctFieldDeclaration,
+    return Templates().Build(TCppTemplateIndex::FieldDeclaration,
                              {field_.Name + field_.Modifier, field_.FieldType, Names().Name});
-  return Templates().Build(TLanguage::Pascal, ptFieldDeclaration,
+  return Templates().Build(TPascalTemplateIndex::FieldDeclaration,
                            {field_.Name, field_.FieldType, Names().Name});
 }
 
@@ -148,12 +151,12 @@ std::string TPropertyInsertObject::BuildText() {
     // The model keeps an array property's parameters without their brackets.
     std::string array = arrayText;
     if (!array.empty() && array.front() != '[') array = "[" + array + "]";
-    return Templates().Build(TLanguage::Cpp, ctPropertyDeclaration,
+    return Templates().Build(TCppTemplateIndex::PropertyDeclaration,
                              {field_.Name, field_.FieldType, Names().Name, specifiers, array});
   }
   const bool hasArray = !arrayText.empty();
   const bool hasType = !Trim(field_.FieldType).empty();
-  return Templates().Build(TLanguage::Pascal, ptPropertyDeclaration,
+  return Templates().Build(TPascalTemplateIndex::PropertyDeclaration,
                            {field_.Name, hasArray ? "[" : "", arrayText, hasArray ? "]" : "",
                             hasType ? ":" : "", field_.FieldType, specifiers, Names().Name});
 }
@@ -192,16 +195,16 @@ std::vector<std::string> CppDeclarationValues(const TCodeTemplates& templates,
 
 std::string TMethodDeclInsertObject::BuildText() {
   if (IsCpp(Language()))
-    return Templates().Build(TLanguage::Cpp, ctMethodDeclaration,
+    return Templates().Build(TCppTemplateIndex::MethodDeclaration,
                              CppDeclarationValues(Templates(), method_, Names().Name));
   const std::string params = ParameterListText(Templates(), method_.Parameters, false);
   const std::string open = params.empty() ? "" : "(";
   const std::string close = params.empty() ? "" : ")";
   if (method_.Kind == TMethodKind::Function)
-    return Templates().Build(TLanguage::Pascal, ptFunctionDeclaration,
+    return Templates().Build(TPascalTemplateIndex::FunctionDeclaration,
                              {PascalMethodType(method_), method_.Name, open, params, close,
                               method_.ResultType, PascalDirectives(method_), Names().Name});
-  return Templates().Build(TLanguage::Pascal, ptProcedureDeclaration,
+  return Templates().Build(TPascalTemplateIndex::ProcedureDeclaration,
                            {PascalMethodType(method_), method_.Name, open, params, close,
                             PascalDirectives(method_), Names().Name});
 }
@@ -210,7 +213,7 @@ std::string TMethodDeclInlineImplicitInsertObject::BuildText() {
   // Template 7 takes IMPLEMENTATION before VIRTUAL.
   std::vector<std::string> values = CppDeclarationValues(Templates(), method_, Names().Name);
   values.insert(values.begin() + 6, body_);
-  return Templates().Build(TLanguage::Cpp, ctImplicitInlineMethod, values);
+  return Templates().Build(TCppTemplateIndex::ImplicitInlineMethod, values);
 }
 
 // ---- message map ----
@@ -240,11 +243,11 @@ int32_t TMessageMapInsertObject::ComputeInsertionLine(const TInsertionContext& c
 
 std::string TMessageMapInsertObject::BuildText() {
   const std::string handler =
-      Templates().Build(TLanguage::Cpp, ctMessageHandlerBlock,
+      Templates().Build(TCppTemplateIndex::MessageHandlerBlock,
                         {method_.MessageName, MessageTypeOf(method_), method_.Name});
   if (hasMap_) return handler;
-  return Templates().Build(TLanguage::Cpp, ctMessageMapBegin, {}) + "\r\n" + handler + "\r\n" +
-         Templates().Build(TLanguage::Cpp, ctMessageMapEnd, {Names().FirstAncestor});
+  return Templates().Build(TCppTemplateIndex::MessageMapBegin, {}) + "\r\n" + handler + "\r\n" +
+         Templates().Build(TCppTemplateIndex::MessageMapEnd, {Names().FirstAncestor});
 }
 
 // ---- implementations ----
@@ -276,17 +279,17 @@ int32_t TMethodImplInsertObject::ComputeInsertionLine(const TInsertionContext& c
 std::string TMethodImplInsertObject::BuildText() {
   const std::string params = ParameterListText(Templates(), method_.Parameters, true);
   if (IsCpp(Language()))
-    return Templates().Build(TLanguage::Cpp, ctMethodImplementation,
+    return Templates().Build(TCppTemplateIndex::MethodImplementation,
                              {method_.Name, params, method_.ResultType, CppDirectives(method_),
                               CppExtendedDirectives(method_, false), Names().Qualified, body_});
   const std::string open = params.empty() ? "" : "(";
   const std::string close = params.empty() ? "" : ")";
   if (method_.Kind == TMethodKind::Function)
-    return Templates().Build(TLanguage::Pascal, ptFunctionImplementation,
+    return Templates().Build(TPascalTemplateIndex::FunctionImplementation,
                              {PascalMethodType(method_), Names().Name, method_.Name, open, params,
                               close, method_.ResultType, body_});
   return Templates().Build(
-      TLanguage::Pascal, ptProcedureImplementation,
+      TPascalTemplateIndex::ProcedureImplementation,
       {PascalMethodType(method_), Names().Name, method_.Name, open, params, close, body_});
 }
 

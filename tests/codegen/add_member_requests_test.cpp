@@ -309,7 +309,8 @@ TEST(AddMemberRequestsTest, InheritedCall) {
 
 TEST(AddMemberRequestsTest, UserTemplatesAreTheOneSourceOfText) {
   TFixture f(TLanguage::Cpp);
-  f.settings.CppTemplates[ctFieldDeclaration].Template = "  %TYPE% m_%NAME%; // %CLASSNAME%";
+  TemplateAt(f.settings.CppTemplates, TCppTemplateIndex::FieldDeclaration).Template =
+      "  %TYPE% m_%NAME%; // %CLASSNAME%";
   const TAddFieldRequest r{.FieldName = "x", .Type = "int"};
   ASSERT_TRUE(r.Apply(f.Target()).Ok);
   EXPECT_NE(f.buffers.Text(f.file)->find("  int m_x; // TFoo\r\n"), std::string::npos)
