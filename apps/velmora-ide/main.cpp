@@ -11,7 +11,9 @@
 #include <QFont>
 #include <QMainWindow>
 #include <QStyleFactory>
+#include <QTemporaryDir>
 #include <cstdlib>
+#include <filesystem>
 
 #include "hosts/qt/qt_ide.h"
 #include "screenshot.h"
@@ -55,8 +57,20 @@ int main(int argc, char** argv) {
   ide.Window().show();
 
   QString project = parser.positionalArguments().value(0);
-  if (project.isEmpty() && parser.isSet(screenshot))
-    project = QStringLiteral(VELMORA_EXAMPLE_PROJECT);
+  // The example project is shown from a copy: the add-in keeps its class information
+  // beside the project, and the source tree stays as it is.
+  QTemporaryDir exampleCopy;
+  if (project.isEmpty() && parser.isSet(screenshot) && exampleCopy.isValid()) {
+    // The whole examples folder: the project reaches into its sibling "common".
+    const std::filesystem::path example(VELMORA_EXAMPLE_PROJECT);
+    const std::filesystem::path examples = example.parent_path().parent_path();
+    const std::filesystem::path copy = std::filesystem::path(exampleCopy.path().toStdString());
+    std::error_code error;
+    std::filesystem::copy(examples, copy, std::filesystem::copy_options::recursive, error);
+    const std::filesystem::path copied =
+        copy / example.parent_path().filename() / example.filename();
+    project = QString::fromStdString((error ? example : copied).string());
+  }
   if (!project.isEmpty() && !ide.OpenProjectFile(project.toStdString()) && parser.isSet(screenshot))
     return 1;
   if (parser.isSet(screenshot)) velmora::TakeScreenshotWhenReady(ide, parser.value(screenshot));

@@ -1,13 +1,11 @@
 #include "screenshot.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QMainWindow>
 #include <QPixmap>
 #include <QTimer>
 #include <QTreeWidget>
 #include <cstdio>
-#include <memory>
 
 #include "hosts/qt/class_browser.h"
 #include "hosts/qt/qt_ide.h"
@@ -46,25 +44,12 @@ void Write(TQtIDE& ide, const QString& fileName) {
 }  // namespace
 
 void TakeScreenshotWhenReady(TQtIDE& ide, const QString& fileName) {
-  auto clock = std::make_shared<QElapsedTimer>();
-  clock->start();
-  auto* poll = new QTimer(&ide.Window());
-  poll->setInterval(50);
-  QObject::connect(poll, &QTimer::timeout, &ide.Window(), [&ide, fileName, clock, poll] {
-    if (ide.Parsing()) {
-      if (clock->elapsed() > 60000) {
-        std::fprintf(stderr, "velmora-ide: the project was not parsed within a minute\n");
-        poll->stop();
-        QApplication::exit(1);
-      }
-      return;
-    }
-    poll->stop();
+  QTimer::singleShot(0, &ide.Window(), [&ide, fileName] {
+    ide.WaitUntilParsed();
     ShowAClass(ide);
     // A moment for the editor and the tree to lay themselves out and paint.
     QTimer::singleShot(300, &ide.Window(), [&ide, fileName] { Write(ide, fileName); });
   });
-  poll->start();
 }
 
 }  // namespace velmora

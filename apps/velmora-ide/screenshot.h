@@ -8,10 +8,10 @@ namespace velmora {
 
 class TQtIDE;
 
-/// Waits until the project's parse is done, shows a class of it in the class view and
-/// its declaration in the editor, writes a PNG of the main window to `fileName` and
-/// quits the event loop with 0 (1 when the picture cannot be written or the parse does
-/// not end within a minute).
+/// Once the event loop runs: waits until the project's parse is done, shows a class of
+/// it in the class view and its declaration in the editor, writes a PNG of the main
+/// window to `fileName` and quits the event loop with 0 (1 when the picture cannot be
+/// written).
 void TakeScreenshotWhenReady(TQtIDE& ide, const QString& fileName);
 
 }  // namespace velmora

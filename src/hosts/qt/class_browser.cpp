@@ -53,7 +53,7 @@ void Unhide(QTreeWidgetItem* item) {
 }  // namespace
 
 TClassBrowser::TClassBrowser(const TVLSettings& settings, QWidget* parent)
-    : QWidget(parent), view_(std::make_unique<TClassView>(settings)) {
+    : QWidget(parent), settings_(settings), view_(std::make_unique<TClassView>(settings)) {
   view_->SetListener(this);
   filter_ = new QLineEdit(this);
   filter_->setObjectName("ClassFilterBox");
@@ -94,6 +94,14 @@ TClassBrowser::~TClassBrowser() {
 void TClassBrowser::SetSources(const TClassViewSources& sources) {
   sources_ = sources;
   view_->SetSources(sources);
+  Rebuild();
+}
+
+void TClassBrowser::UseRepresentations(TRepresentationManager& manager) {
+  view_->SetListener(nullptr);
+  view_ = std::make_unique<TClassView>(settings_, manager);
+  view_->SetListener(this);
+  sources_ = {};
   Rebuild();
 }
 

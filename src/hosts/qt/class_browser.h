@@ -35,6 +35,10 @@ class TClassBrowser : public QWidget, private TClassViewListener {
 
   /// Shows new lists (or none) and rebuilds both pages.
   void SetSources(const TClassViewSources& sources);
+  /// Makes the view anew over the slots of `manager`, the one the shown objects were
+  /// made with (an add-in loaded as a library has its own); shows nothing until the next
+  /// SetSources.
+  void UseRepresentations(TRepresentationManager& manager);
   /// After a merge: the node layer catches up and the trees follow.
   void Refresh();
 
@@ -70,6 +74,7 @@ class TClassBrowser : public QWidget, private TClassViewListener {
   void Activated(QTreeWidgetItem* item);
   void ApplyFilter();
 
+  const TVLSettings& settings_;
   std::unique_ptr<TClassView> view_;
   TClassViewSources sources_;
   TClassViewIcons icons_;

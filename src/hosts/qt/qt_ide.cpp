@@ -21,10 +21,14 @@
 #include <QStatusBar>
 #include <QStyle>
 #include <QTabWidget>
+#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "addin/model_view_listener.h"
+#include "addin/plugin/addin_plugin.h"
+#include "addin/vl_manager.h"
 #include "hosts/qt/class_browser.h"
 #include "hosts/qt/dock_panel.h"
 #include "hosts/qt/project_model.h"
@@ -124,6 +128,20 @@ class TBuilderLexer : public QsciLexerCPP {
   }
 };
 
+// The class view as the add-in's manager sees it: told after every merge, and before a
+// file's objects go.
+class TBrowserModelListener : public TModelViewListener {
+ public:
+  explicit TBrowserModelListener(TClassBrowser& browser) : browser_(browser) {}
+  void ModelChanged() override { browser_.Refresh(); }
+  void FileRemoving(const std::string& fileName) override {
+    browser_.View().RemoveFileObjects(fileName);
+  }
+
+ private:
+  TClassBrowser& browser_;
+};
+
 }  // namespace
 
 struct TQtIDE::TOwnItem {
@@ -137,6 +155,11 @@ TQtIDE::TQtIDE() : model_(std::make_unique<TProjectModel>(queue_)) {
   queue_.SetMainThread();
   BuildWindows();
   BuildMenu();
+  idlePoll_ = new QTimer(window_.get());
+  idlePoll_->setInterval(100);
+  QObject::connect(idlePoll_, &QTimer::timeout, window_.get(), [this] {
+    if (!Parsing()) ParseFinished();
+  });
   // Work other threads queue is run by the event loop: each post asks the window to run
   // the queue when the loop next gets to it.
   QPointer<QMainWindow> window = window_.get();
@@ -419,7 +442,46 @@ bool TQtIDE::LoadAddInLibrary(const std::string& path) {
     ReportException(path + " has no entry point " + kExpertEntryPointName);
     return false;
   }
-  return LoadAddIn(reinterpret_cast<TExpertInitProc>(entry));
+  const bool loaded = LoadAddIn(reinterpret_cast<TExpertInitProc>(entry));
+  ConnectAddInModel(handle);
+  return loaded;
+}
+
+// The add-in's objects carry the representation slots of the library's own manager, so
+// the class view takes its slot there.
+void TQtIDE::ConnectAddInModel(void* library) {
+  auto manager = reinterpret_cast<TAddInManagerEntry>(::dlsym(library, kAddInManagerEntryName));
+  auto representations = reinterpret_cast<TAddInRepresentationsEntry>(
+      ::dlsym(library, kAddInRepresentationsEntryName));
+  if (!manager || !representations || !manager() || !representations() || addInManager_) return;
+  addInManager_ = manager();
+  browser_->UseRepresentations(*representations());
+  viewListener_ = std::make_unique<TBrowserModelListener>(*browser_);
+  addInManager_->SetProgressHandler([this](const TVLProgress& progress) {
+    progress_->setMaximum(std::max(progress.FilesTotal, 1));
+    progress_->setValue(progress.FilesParsed);
+  });
+  ShowAddInModel();
+  addInManager_->AddView(viewListener_.get());
+}
+
+void TQtIDE::DisconnectAddInModel() {
+  if (!addInManager_) return;
+  addInManager_->RemoveView(viewListener_.get());
+  addInManager_->SetProgressHandler({});
+  browser_->SetSources({});
+  browser_->UseRepresentations(RepresentationManager());
+  viewListener_.reset();
+  addInManager_ = nullptr;
+}
+
+void TQtIDE::ShowAddInModel() {
+  if (!addInManager_) return;
+  browser_->SetSources({.ProjectName = UnitNameOf(projectName_),
+                        .ProjectClasses = &addInManager_->ProjectClasses(),
+                        .ExternalClasses = &addInManager_->ExternalClasses(),
+                        .ProjectFiles = &addInManager_->ProjectFiles(),
+                        .ExternalFiles = &addInManager_->ExternalFiles()});
 }
 
 bool TQtIDE::LoadAddIn(TExpertInitProc entry) {
@@ -437,6 +499,7 @@ bool TQtIDE::LoadAddIn(TExpertInitProc entry) {
 }
 
 void TQtIDE::UnloadAddIns() {
+  DisconnectAddInModel();
   while (!experts_.empty()) {
     TIExpert* expert = experts_.back();
     experts_.pop_back();
@@ -499,6 +562,7 @@ bool TQtIDE::OpenProjectFile(const std::string& path) {
     if (!unit.Header.empty()) parseFiles_.push_back(unit.Header);
   }
   projectModule_ = TIRef<TQtModule>(new TQtModule(key, nullptr));
+  if (addInManager_) addInManager_->SetProjectIncludePath(key, project.IncludePath);
   Broadcast(TFileNotification::ProjectOpened, key);
   window_->setWindowTitle(QStringLiteral("Velmora IDE - %1").arg(Latin1(project.Name)));
   Info(QStringLiteral("Opened %1 project %2: %3 units")
@@ -515,6 +579,12 @@ void TQtIDE::StartParse() {
   progress_->setRange(0, std::max<int>(static_cast<int>(parseFiles_.size()), 1));
   progress_->setValue(0);
   progress_->show();
+  if (addInManager_) {
+    // The add-in's jobs were queued when it heard of the project.
+    ShowAddInModel();
+    idlePoll_->start();
+    return;
+  }
   model_->Parse(
       parseFiles_, [this](int done, int) { progress_->setValue(done); },
       [this] {
@@ -527,7 +597,22 @@ void TQtIDE::StartParse() {
 }
 
 bool TQtIDE::Parsing() const {
-  return model_->Busy();
+  return addInManager_ ? !addInManager_->Idle() : model_->Busy();
+}
+
+void TQtIDE::ParseFinished() {
+  idlePoll_->stop();
+  progress_->hide();
+  statusBar_->showMessage(QStringLiteral("Ready"));
+}
+
+void TQtIDE::WaitUntilParsed() {
+  if (addInManager_) {
+    addInManager_->WaitUntilIdle();
+    ParseFinished();
+    return;
+  }
+  while (model_->Busy()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
 }
 
 void TQtIDE::CloseProject() {
@@ -535,13 +620,18 @@ void TQtIDE::CloseProject() {
   Broadcast(TFileNotification::ProjectClosing, projectFile_);
   TIRef<TQtModule> module = std::move(projectModule_);
   if (module) module->Close();
-  browser_->SetSources({});
-  model_->Clear();
-  progress_->hide();
   projectFile_.clear();
   projectName_.clear();
   units_.clear();
   parseFiles_.clear();
+  // The view lets go of the IDE's own lists before they are freed; the add-in's stay.
+  if (addInManager_)
+    ShowAddInModel();
+  else
+    browser_->SetSources({});
+  model_->Clear();
+  idlePoll_->stop();
+  progress_->hide();
   window_->setWindowTitle(QStringLiteral("Velmora IDE"));
 }
 
@@ -552,7 +642,7 @@ bool TQtIDE::AddToProject(const std::string& fileName) {
   units_.push_back(key);
   parseFiles_.push_back(key);
   Broadcast(TFileNotification::AddedToProject, key);
-  StartParse();
+  if (!addInManager_) StartParse();
   return true;
 }
 
@@ -563,7 +653,7 @@ bool TQtIDE::RemoveFromProject(const std::string& fileName) {
   units_.erase(it);
   std::erase(parseFiles_, key);
   Broadcast(TFileNotification::RemovedFromProject, key);
-  StartParse();
+  if (!addInManager_) StartParse();
   return true;
 }
 
@@ -674,8 +764,10 @@ bool TQtIDE::SaveFile(const std::string& fileName) {
   buffer.SetSaved();
   module->Notify(TModuleNotification::ModuleSaved);
   statusBar_->showMessage(QStringLiteral("Saved %1").arg(Latin1(buffer.FileName)), 3000);
-  // The class view shows the file as saved once the project is parsed again.
-  if (std::any_of(parseFiles_.begin(), parseFiles_.end(),
+  // The class view shows the file as saved once it is parsed again: by the add-in, which
+  // heard of the save, or else here.
+  if (!addInManager_ &&
+      std::any_of(parseFiles_.begin(), parseFiles_.end(),
                   [&](const std::string& f) { return KeyOf(f) == buffer.FileName; }))
     StartParse();
   return true;

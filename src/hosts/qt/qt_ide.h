@@ -34,13 +34,16 @@ class QMainWindow;
 class QProgressBar;
 class QStatusBar;
 class QTabWidget;
+class QTimer;
 class QWidget;
 
 namespace velmora {
 
 class TClassBrowser;
 class TDockSite;
+class TModelViewListener;
 class TProjectModel;
+class TVLManager;
 
 class TQtIDE : public TIToolServices {
  public:
@@ -58,6 +61,9 @@ class TQtIDE : public TIToolServices {
   /// Releases the experts, last first, then calls the add-ins' terminate procedures.
   void UnloadAddIns();
   int ExpertCount() const { return static_cast<int>(experts_.size()); }
+  /// The manager of the add-in loaded from a library, whose model the class view shows;
+  /// null without one (the class view then shows the IDE's own parse).
+  TVLManager* AddInManager() const { return addInManager_; }
   /// Messages given to ReportException, oldest first (also shown in the message view).
   const std::vector<std::string>& Reports() const { return reports_; }
 
@@ -68,8 +74,10 @@ class TQtIDE : public TIToolServices {
   void CloseProject();
   bool AddToProject(const std::string& fileName);
   bool RemoveFromProject(const std::string& fileName);
-  /// The class view's parse of the project is running.
+  /// The project's parse (the add-in's jobs, or the IDE's own) is running.
   bool Parsing() const;
+  /// Runs the event loop's work until the parse is done and the class view shows it.
+  void WaitUntilParsed();
 
   // ---- files and editors ----
   /// Writes the editor's text to its file in the file's own line-end style, through a
@@ -121,6 +129,12 @@ class TQtIDE : public TIToolServices {
   QsciScintilla* NewEditor(const std::string& fileName);
   void UpdateStatus();
   void StartParse();
+  /// The add-in's lists, for the class view.
+  void ShowAddInModel();
+  /// Called by the idle poll: the add-in's jobs are done.
+  void ParseFinished();
+  void ConnectAddInModel(void* library);
+  void DisconnectAddInModel();
   void Info(const QString& text);
 
   // Menu commands.
@@ -164,6 +178,9 @@ class TQtIDE : public TIToolServices {
   std::map<std::string, TIRef<TQtModule>> modules_;  ///< open files by KeyOf
   std::vector<std::string> closedFiles_;             ///< for Reopen, the last closed last
   std::unique_ptr<TProjectModel> model_;
+  TVLManager* addInManager_ = nullptr;  ///< the loaded add-in's; lives as long as its expert
+  std::unique_ptr<TModelViewListener> viewListener_;  ///< registered with addInManager_
+  QTimer* idlePoll_ = nullptr;  ///< watches the add-in's jobs while a project parses
 };
 
 }  // namespace velmora

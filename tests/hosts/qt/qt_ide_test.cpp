@@ -85,17 +85,23 @@ void TQtHostTest::initTestCase() {
 }
 
 QString TQtHostTest::CopyExample() {
-  const QString target = QDir(home_.path()).filePath("KilnLog");
+  // The whole examples folder: the project reaches into its sibling "common".
+  const QString target = QDir(home_.path()).filePath("examples");
   if (!QDir(target).exists()) {
-    std::filesystem::copy(std::filesystem::path(VELMORA_SOURCE_DIR) / "examples" / "KilnLog",
+    std::filesystem::copy(std::filesystem::path(VELMORA_SOURCE_DIR) / "examples",
                           target.toStdString(), std::filesystem::copy_options::recursive);
   }
-  return QDir(target).filePath("KilnLog.bpr");
+  return QDir(target).filePath("KilnLog/KilnLog.bpr");
 }
 
+// With the add-in loaded, as a user has it: the class view shows the add-in's model.
 void TQtHostTest::OpenExample(TQtIDE& ide) {
+  QVERIFY(ide.LoadAddInLibrary(VELMORA_ADDIN_PLUGIN));
+  QVERIFY(ide.AddInManager());
   QVERIFY(ide.OpenProjectFile(CopyExample().toStdString()));
+  QVERIFY(ide.Parsing());
   QTRY_VERIFY_WITH_TIMEOUT(!ide.Parsing(), 30000);
+  QTRY_COMPARE(ide.StatusBar().currentMessage(), QStringLiteral("Ready"));
 }
 
 void TQtHostTest::velmoraMenuRightOfProjectMenu() {
@@ -152,8 +158,7 @@ void TQtHostTest::classViewOfExampleProject() {
   const QString golden = QStringLiteral(VELMORA_TEST_DATA "/hosts/qt/golden/KilnLog.txt");
   if (qEnvironmentVariableIsSet("VELMORA_UPDATE_GOLDEN")) WriteFile(golden, text.toLatin1());
   QCOMPARE(text, QString::fromLatin1(ReadFile(golden)));
-  QCOMPARE(ide.StatusBar().currentMessage(), QStringLiteral("Ready"));
-  QVERIFY(!ide.Progress().isVisible());
+  QVERIFY(ide.Progress().isHidden());
 }
 
 void TQtHostTest::filterKeepsParentsOfMatches() {
@@ -170,6 +175,7 @@ void TQtHostTest::filterKeepsParentsOfMatches() {
   QVERIFY(browser.TreeText(TClassView::pgClasses).contains("TCostModel"));
 }
 
+// Without the add-in the IDE parses the project itself, for its class view.
 void TQtHostTest::statusAndProgressWhileParsing() {
   TQtIDE ide;
   QVERIFY(ide.OpenProjectFile(CopyExample().toStdString()));
