@@ -63,6 +63,7 @@ class TQtHostTest : public QObject {
   void filterKeepsParentsOfMatches();
   void statusAndProgressWhileParsing();
   void enterJumpsToTheDeclaration();
+  void savedEditorUpdatesTheTree();
   void editorReaderReadsUnsavedText();
   void writerChangesTheEditorInOneStep();
   void saveKeepsTheFilesLineEnds();
@@ -217,6 +218,32 @@ void TQtHostTest::enterJumpsToTheDeclaration() {
     ide.EditorOf(ide.CurrentFile())->getCursorPosition(&line, &index);
     QCOMPARE(line + 1, c.Line);
   }
+}
+
+// A field typed into a header shows in the class view once the header is saved: the
+// add-in hears of the save and parses the file again; the tree follows in place.
+void TQtHostTest::savedEditorUpdatesTheTree() {
+  TQtIDE ide;
+  OpenExample(ide);
+  TClassBrowser& browser = ide.ClassBrowser();
+  QTreeWidget* tree = browser.Tree(TClassView::pgClasses);
+  const auto costModel = tree->findItems("TCostModel", Qt::MatchExactly | Qt::MatchRecursive);
+  QCOMPARE(costModel.size(), 1);
+  costModel.first()->setExpanded(true);
+  const int members = costModel.first()->childCount();
+  QVERIFY(members > 0);
+
+  const std::string header = browser.FullFileName("FiringTypes.h");
+  QVERIFY(ide.GoTo(header, 113));  // the line after "double FRate;"
+  ide.EditorOf(header)->insert("  double FMinimum;\r\n");
+  QVERIFY(ide.SaveFile(header));
+  QTRY_VERIFY_WITH_TIMEOUT(!ide.Parsing(), 30000);
+  QTRY_VERIFY(browser.TreeText(TClassView::pgClasses).contains("double FMinimum"));
+  // The class kept its item and its expansion.
+  const auto after = tree->findItems("TCostModel", Qt::MatchExactly | Qt::MatchRecursive);
+  QCOMPARE(after.size(), 1);
+  QVERIFY(after.first()->isExpanded());
+  QCOMPARE(after.first()->childCount(), members + 1);
 }
 
 void TQtHostTest::editorReaderReadsUnsavedText() {
