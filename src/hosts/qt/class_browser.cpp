@@ -15,6 +15,8 @@ namespace {
 
 constexpr int kNodeRole = Qt::UserRole;
 constexpr int kIconNameRole = Qt::UserRole + 1;
+/// The node's Id: what a rebuild reads of old items, whose nodes may be gone already.
+constexpr int kIdRole = Qt::UserRole + 2;
 
 QString Place(const TClassViewNode& node) {
   if (node.FileName.empty()) return {};
@@ -139,6 +141,7 @@ QTreeWidgetItem* TClassBrowser::NewItem(TClassViewNode& node) {
   item->setIcon(0, icons_.Icon(icon));
   item->setData(0, kIconNameRole, icon);
   item->setData(0, kNodeRole, QVariant::fromValue(reinterpret_cast<quintptr>(&node)));
+  item->setData(0, kIdRole, node.Id);
   item->setToolTip(0, Place(node));
   if (node.Kind == TNodeKind::Root) {
     QFont bold = item->font(0);
@@ -156,8 +159,7 @@ void TClassBrowser::Fill(QTreeWidgetItem* item, TClassViewNode& node) {
   // Expanded children stay expanded through a rebuild of their parent.
   std::vector<uint32_t> expanded;
   for (int i = 0; i < item->childCount(); ++i)
-    if (item->child(i)->isExpanded())
-      if (TClassViewNode* child = NodeOf(item->child(i))) expanded.push_back(child->Id);
+    if (item->child(i)->isExpanded()) expanded.push_back(item->child(i)->data(0, kIdRole).toUInt());
   for (QTreeWidgetItem* child : item->takeChildren()) delete child;
   for (const auto& child : node.Children) {
     QTreeWidgetItem* childItem = NewItem(*child);
