@@ -1,7 +1,7 @@
 // `velmora [tree] [PROJECT]` (the main job), `hierarchy`, `find` and `files`: open the
 // project, print one view of its model, save the class information for the next start.
-#include <CLI/CLI.hpp>
 #include <sys/stat.h>
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <filesystem>
@@ -19,7 +19,9 @@
 
 namespace velmora::app {
 
-void PrintMessage(const std::string& line) { std::cerr << "velmora: " << line << '\n'; }
+void PrintMessage(const std::string& line) {
+  std::cerr << "velmora: " << line << '\n';
+}
 
 std::string RelativeToCurrent(const std::string& path) {
   std::error_code ec;
@@ -33,7 +35,8 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
   std::string project = projectArg;
   if (project.empty()) {
     project = DefaultProjectPath();
-    if (project.empty()) throw TCommandError("no project named and the bundled example is not installed");
+    if (project.empty())
+      throw TCommandError("no project named and the bundled example is not installed");
   }
   auto session = CreateBrowseSession();
   TProgressBar bar(true);
@@ -53,17 +56,18 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
   bar.Finish();
   const TOpenStats& stats = session->Stats();
   if (stats.Warm)
-    PrintMessage("loaded the saved class information " + RelativeToCurrent(stats.ClassInfoFile) + "; " +
-                 std::to_string(stats.FilesParsed) + " of " + std::to_string(stats.FilesTotal) +
-                 " files changed or new, parsed again");
+    PrintMessage("loaded the saved class information " + RelativeToCurrent(stats.ClassInfoFile) +
+                 "; parsed again what changed since: " + std::to_string(stats.UnitsParsed) +
+                 " of " + std::to_string(session->Project().Units.size()) + " units");
   else
-    PrintMessage("parsed " + std::to_string(stats.FilesParsed) + " files");
+    PrintMessage("no saved class information yet: parsed " + std::to_string(stats.UnitsParsed) +
+                 " units, " + std::to_string(stats.FilesTotal) + " files with their includes");
   return session;
 }
 
 bool SaveWhenChanged(TBrowseSession& session) {
   const TOpenStats& stats = session.Stats();
-  if (stats.Warm && stats.FilesParsed == 0 && stats.FilesDropped == 0) return true;
+  if (stats.Warm && stats.UnitsParsed == 0 && stats.IncludesParsed == 0) return true;
   return session.Save();
 }
 
@@ -105,12 +109,12 @@ int CountMembers(const TCommonClassList& list) {
 std::string StatsText(TBrowseSession& session) {
   const TOpenStats& s = session.Stats();
   char buffer[256];
-  std::string out = "project: " + session.Project().Name + " (" +
-                    ProjectKindName(session.Project().Kind) + ")\n";
+  std::string out =
+      "project: " + session.Project().Name + " (" + ProjectKindName(session.Project().Kind) + ")\n";
   out += std::string("open: ") + (s.Warm ? "warm" : "cold") + "\n";
   out += "files: " + std::to_string(s.FilesTotal) + "\n";
-  out += "files parsed: " + std::to_string(s.FilesParsed) + "\n";
-  if (s.FilesUnreadable > 0) out += "files unreadable: " + std::to_string(s.FilesUnreadable) + "\n";
+  out += "units parsed: " + std::to_string(s.UnitsParsed) + "\n";
+  out += "includes parsed: " + std::to_string(s.IncludesParsed) + "\n";
   out += "classes: " + std::to_string(session.Classes().CountAll()) + "\n";
   out += "members: " + std::to_string(CountMembers(session.Classes())) + "\n";
   out += "routines: " + std::to_string(session.Classes().Routines.Count()) + "\n";
@@ -124,13 +128,8 @@ std::string StatsText(TBrowseSession& session) {
   return out + buffer;
 }
 
-void Finish(TBrowseSession& session) {
-  if (!SaveWhenChanged(session)) throw TCommandError("");
-}
-
 void RunTree(const TTreeOptions& o) {
   auto session = OpenBrowseSession(o.Project);
-  Finish(*session);
   if (o.Stats) {
     std::fputs(StatsText(*session).c_str(), stdout);
     return;
@@ -150,7 +149,8 @@ void RunTree(const TTreeOptions& o) {
   }
   view.ExpandAll();
   const TPathNamer paths(*session);
-  const std::string text = o.Json ? RenderTreeJson(view, paths, *session) : RenderTreeText(view, paths);
+  const std::string text =
+      o.Json ? RenderTreeJson(view, paths, *session) : RenderTreeText(view, paths);
   view.SetClassFilter(nullptr);
   std::fputs(text.c_str(), stdout);
 }
@@ -167,9 +167,9 @@ const char kTreeFormatHelp[] = R"(The class view, one node a line, two spaces a 
     class TFormMain : TForm  examples/KilnLog/MainForm.h:15
       field published TMainMenu * MainMenu  examples/KilnLog/MainForm.h:18
       property public bool Modified  examples/KilnLog/MainForm.h:63
-      method protected void CreateParams(TCreateParams & Params) [virtual]  examples/KilnLog/MainForm.h:53
+      method protected void CreateParams(TCreateParams & Params) [virtual __fastcall]  examples/KilnLog/MainForm.h:53
     Global Routines
-      routine public FiringKindName(AKind: TFiringKind): string  examples/KilnLog/GlazeForm.pas:20
+      routine int ConeToCelsius(int Cone) [__fastcall]  examples/KilnLog/FiringTypes.h:134
   External Classes
 Each class shows its nested classes, fields and properties, then methods; domains and
 free routines follow the classes. Paths are relative to the current folder; directives
@@ -180,11 +180,14 @@ void AddTreeCommand(CLI::App& app) {
   auto* cmd = app.add_subcommand(
       "tree", "Open a project (default: the bundled example), parse it and print its class view");
   cmd->footer(kTreeFormatHelp);
-  cmd->add_option("project", o->Project, "Project file or folder (.bpr .mak .cbproj .dpr .dproj .lpi .lpk)");
-  auto* json = cmd->add_flag("--json", o->Json, "Print the class view as JSON (with a format version)");
+  cmd->add_option("PROJECT", o->Project,
+                  "Project file or folder (.bpr .mak .cbproj .dpr .dproj .lpi .lpk)");
+  auto* json =
+      cmd->add_flag("--json", o->Json, "Print the class view as JSON (with a format version)");
   cmd->add_flag("--stats", o->Stats, "Print only counts, cold or warm open, files parsed and times")
       ->excludes(json);
-  cmd->add_option("--filter", o->Filter, "Show only classes whose name contains NAME");
+  cmd->add_option("--filter", o->Filter, "Show only classes whose name contains NAME")
+      ->type_name("NAME");
   cmd->add_flag("--fields", o->Fields, "Members: show fields");
   cmd->add_flag("--methods", o->Methods, "Members: show methods");
   cmd->add_flag("--properties", o->Properties, "Members: show properties");
@@ -197,8 +200,9 @@ void AddTreeCommand(CLI::App& app) {
 void AddHierarchyCommand(CLI::App& app) {
   auto args = std::make_shared<std::vector<std::string>>();
   auto* cmd = app.add_subcommand(
-      "hierarchy", "Print the classes under their ancestors; with CLASS its ancestors and descendants");
-  cmd->add_option("args", *args, "[CLASS] [PROJECT], in either order")->expected(0, 2);
+      "hierarchy",
+      "Print the classes under their ancestors; with CLASS its ancestors and descendants");
+  cmd->add_option("CLASS_AND_PROJECT", *args, "[CLASS] [PROJECT], in either order")->expected(0, 2);
   cmd->callback([args] {
     std::string project, className;
     for (const std::string& arg : *args) {
@@ -210,7 +214,6 @@ void AddHierarchyCommand(CLI::App& app) {
         throw TCommandError("give one CLASS and one PROJECT", kExitUsage);
     }
     auto session = OpenBrowseSession(project);
-    Finish(*session);
     std::string out;
     if (!RenderHierarchy(*session, TPathNamer(*session), className, out))
       throw TCommandError("no class named '" + className + "' in " + session->Project().Name);
@@ -224,14 +227,15 @@ void AddFindCommand(CLI::App& app) {
     TFindOptions Options;
   };
   auto a = std::make_shared<TFindArgs>();
-  auto* cmd = app.add_subcommand("find", "Print the classes, fields, properties, methods and routines whose name contains TEXT");
-  cmd->add_option("text", a->Text, "What to look for")->required();
-  cmd->add_option("project", a->Project, "Project file or folder");
+  auto* cmd = app.add_subcommand(
+      "find",
+      "Print the classes, fields, properties, methods and routines whose name contains TEXT");
+  cmd->add_option("TEXT", a->Text, "What to look for")->required();
+  cmd->add_option("PROJECT", a->Project, "Project file or folder");
   cmd->add_flag("--match-case", a->Options.MatchCase, "Letter case must match");
   cmd->add_flag("--whole-word", a->Options.WholeWord, "The whole name must match");
   cmd->callback([a] {
     auto session = OpenBrowseSession(a->Project);
-    Finish(*session);
     std::string out;
     const int found = RenderFind(*session, TPathNamer(*session), a->Text, a->Options, out);
     std::fputs(out.c_str(), stdout);
@@ -242,10 +246,9 @@ void AddFindCommand(CLI::App& app) {
 void AddFilesCommand(CLI::App& app) {
   auto project = std::make_shared<std::string>();
   auto* cmd = app.add_subcommand("files", "Print the files of the project's model, one a line");
-  cmd->add_option("project", *project, "Project file or folder");
+  cmd->add_option("PROJECT", *project, "Project file or folder");
   cmd->callback([project] {
     auto session = OpenBrowseSession(*project);
-    Finish(*session);
     const TPathNamer paths(*session);
     std::string out;
     for (const std::string& file : session->WatchedFiles()) {

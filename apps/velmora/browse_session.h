@@ -24,15 +24,14 @@ namespace velmora::app {
 
 /// How the open went; what `--stats` prints.
 struct TOpenStats {
-  bool Warm = false;       ///< the saved class information was loaded
-  int FilesTotal = 0;      ///< files in the model after the open, includes counted
-  int FilesParsed = 0;     ///< of those, parsed in this run
-  int FilesUnreadable = 0;  ///< named by the project or an include but not readable
-  int FilesDropped = 0;     ///< in the saved model but no longer part of the project
-  double LoadSeconds = 0;   ///< reading the class information file
-  double ParseSeconds = 0;  ///< parsing, from the first file to the last
-  double TotalSeconds = 0;  ///< the whole open, project file to merged model
-  std::string ClassInfoFile;  ///< where the model is saved, beside the project
+  bool Warm = false;           ///< the saved class information was loaded
+  int FilesTotal = 0;          ///< files in the model after the open, includes counted
+  int UnitsParsed = 0;         ///< project units parsed in this run
+  int IncludesParsed = 0;      ///< parses of files reached through the units' includes
+  double LoadSeconds = 0;      ///< reading the class information file
+  double ParseSeconds = 0;     ///< parsing, from the first file to the last
+  double TotalSeconds = 0;     ///< the whole open, project file to merged model
+  std::string ClassInfoFile;   ///< where the model is saved, beside the project
   int64_t ClassInfoBytes = 0;  ///< its size when it was loaded, else 0
 };
 
@@ -63,8 +62,9 @@ class TBrowseSession {
   virtual bool Reparse(const std::string& fileName) = 0;
   /// Every file the model holds, absolute: what `watch` watches.
   virtual std::vector<std::string> WatchedFiles() const = 0;
-  /// Writes the class information beside the project; false (the reason through the
-  /// Message callback) when it cannot.
+  /// Writes the class information beside the project now (the session also saves it after
+  /// the open's parse and when it ends); false (the reason through the Message callback)
+  /// when it cannot.
   virtual bool Save() = 0;
 };
 

@@ -47,6 +47,12 @@ std::vector<std::string> DirectiveNames(const TMethodDescription& method) {
     // alone reads better in a list.
     std::string_view text = DirectiveText(n, method.Language);
     text = text.substr(0, text.find(" ("));
+    // C++ has no word of its own for these two bits: the parser sets them for `static`
+    // and `DYNAMIC`, so those are the words shown.
+    if (text.empty() && IsCpp(method.Language)) {
+      if (n == static_cast<int>(TDirective::ClassMethod)) text = "static";
+      if (n == static_cast<int>(TDirective::Dynamic)) text = "DYNAMIC";
+    }
     if (!text.empty()) names.emplace_back(text);
   }
   return names;
@@ -99,7 +105,8 @@ void RenderNode(const TClassViewNode& node, int depth, const TPathNamer& paths, 
       line += node.Text;
       if (const TMethodDescription* method = MethodOf(node)) {
         const std::vector<std::string> directives = DirectiveNames(*method);
-        for (size_t i = 0; i < directives.size(); ++i) line += (i == 0 ? " [" : " ") + directives[i];
+        for (size_t i = 0; i < directives.size(); ++i)
+          line += (i == 0 ? " [" : " ") + directives[i];
         if (!directives.empty()) line += ']';
       }
     }
@@ -125,7 +132,8 @@ Json NodeJson(const TClassViewNode& node, const TPathNamer& paths) {
     j["name"] = cls.Name;
     j["classKind"] = std::string(ClassKindText(cls.ClassKind));
     Json ancestors = Json::array();
-    for (int i = 0; i < cls.Ancestors.Count(); ++i) ancestors.push_back(cls.Ancestors[i].AncestorName);
+    for (int i = 0; i < cls.Ancestors.Count(); ++i)
+      ancestors.push_back(cls.Ancestors[i].AncestorName);
     if (!ancestors.empty()) j["ancestors"] = ancestors;
   } else if (node.Kind == TNodeKind::Field || node.Kind == TNodeKind::Property) {
     const auto& field = *static_cast<const TFieldDescription*>(node.Object);
@@ -165,7 +173,8 @@ TPathNamer::TPathNamer(TBrowseSession& session) : session_(session) {
 
 std::string TPathNamer::FullPath(std::string_view unitName) const {
   if (const TFileDescription* file = session_.Files().Find(unitName)) return file->FullName();
-  if (const TFileDescription* file = session_.ExternalFiles().Find(unitName)) return file->FullName();
+  if (const TFileDescription* file = session_.ExternalFiles().Find(unitName))
+    return file->FullName();
   return {};
 }
 
@@ -190,9 +199,8 @@ std::string RenderTreeJson(const TClassView& view, const TPathNamer& paths,
   j["format"] = "velmora-class-view";
   j["version"] = kJsonFormatVersion;
   const TProject& project = session.Project();
-  j["project"] = {{"name", project.Name},
-                  {"path", project.FileName},
-                  {"kind", ProjectKindName(project.Kind)}};
+  j["project"] = {
+      {"name", project.Name}, {"path", project.FileName}, {"kind", ProjectKindName(project.Kind)}};
   Json roots = Json::array();
   for (TClassView::TRootIndex index : {TClassView::riProject, TClassView::riExternal}) {
     const TClassViewNode& root = view.Root(TClassView::pgClasses, index);
@@ -203,13 +211,13 @@ std::string RenderTreeJson(const TClassView& view, const TPathNamer& paths,
       if (child->Kind == TNodeKind::RoutineList)
         for (const auto& routine : child->Children) routines.push_back(NodeJson(*routine, paths));
     }
-    roots.push_back({{"name", root.Text},
-                     {"classes", classes},
-                     {"domains", domains},
-                     {"routines", routines}});
+    roots.push_back(
+        {{"name", root.Text}, {"classes", classes}, {"domains", domains}, {"routines", routines}});
   }
   j["roots"] = roots;
-  return j.dump(2) + "\n";
+  // Names are single-byte source text; a byte that is not UTF-8 becomes U+FFFD rather
+  // than failing the whole output.
+  return j.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 namespace {
@@ -244,7 +252,7 @@ bool RenderHierarchy(TBrowseSession& session, const TPathNamer& paths, std::stri
   }
   std::set<const TClassDescription*> printed;
   std::function<void(const TClassDescription&, int)> walk = [&](const TClassDescription& cls,
-                                                                 int depth) {
+                                                                int depth) {
     std::string line(2 * static_cast<size_t>(depth), ' ');
     line += cls.Name;
     Place(line, paths, cls.UnitName, cls.StartLine);
@@ -313,7 +321,8 @@ int RenderFind(TBrowseSession& session, const TPathNamer& paths, std::string_vie
   std::vector<const TClassDescription*> all;
   CollectClasses(session.Classes(), all);
   for (const TClassDescription* cls : all) {
-    if (matches(cls->Name)) emit(ClassKindText(cls->ClassKind), cls->Name, cls->UnitName, cls->StartLine);
+    if (matches(cls->Name))
+      emit(ClassKindText(cls->ClassKind), cls->Name, cls->UnitName, cls->StartLine);
     for (int i = 0; i < cls->Fields.Count(); ++i) {
       const TFieldDescription& field = *cls->Fields.Items(i);
       if (matches(field.Name))

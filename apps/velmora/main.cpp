@@ -8,7 +8,8 @@
 
 namespace {
 
-const char kOverview[] = R"(With no command, velmora runs `tree`: it opens the project (the bundled example
+const char kOverview[] =
+    R"(With no command, velmora runs `tree`: it opens the project (the bundled example
 when none is named), parses it, saves its class information beside it (the next start
 loads that and parses only changed files) and prints the class view. See `velmora tree
 --help` for the format. Exit codes: 0 done, 1 failed, 2 usage error.)";

@@ -23,7 +23,8 @@ void TProgressBar::Update(int done, int total, const std::string& file) {
   line.append(static_cast<size_t>(kWidth - filled), ' ');
   line += "] " + std::to_string(done) + "/" + std::to_string(total) + " ";
   // The file name fills what the terminal has left (the escape codes take no column).
-  const size_t room = static_cast<size_t>(std::max(0, columns - 1 - (static_cast<int>(line.size()) - 5)));
+  const size_t room =
+      static_cast<size_t>(std::max(0, columns - 1 - (static_cast<int>(line.size()) - 5)));
   std::string name(ExtractFileName(file));
   if (name.size() > room) name.resize(room);
   line += name;

@@ -2,12 +2,12 @@
 // parses each file of the model again when it changes on disk (inotify on the folders
 // that hold them), printing one line per class added, changed or removed. Ctrl+C (or
 // SIGTERM) ends it; the class information is saved on the way out.
-#include <CLI/CLI.hpp>
 #include <poll.h>
 #include <signal.h>
 #include <sys/inotify.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <map>
@@ -54,7 +54,8 @@ void Collect(const TCommonClassList& list, const std::string& prefix, TSnapshot&
     const TClassDescription& cls = *list.Items(i);
     const std::string name = prefix + cls.Name;
     out[name] = {Signature(cls), cls.UnitName, cls.StartLine};
-    if (const TCommonClassList* nested = cls.NestedClassesIfAny()) Collect(*nested, name + ".", out);
+    if (const TCommonClassList* nested = cls.NestedClassesIfAny())
+      Collect(*nested, name + ".", out);
   }
 }
 
@@ -133,16 +134,16 @@ class TWatcher {
 };
 
 void RunWatch(const std::string& project) {
-  auto session = OpenBrowseSession(project);
-  if (!SaveWhenChanged(*session)) throw TCommandError("");
-
   // Ctrl+C arrives through a descriptor, so the loop ends between two parses and saves.
+  // Blocked before the session starts its parse threads, which inherit the mask: one of
+  // them would otherwise take the signal and end the process unsaved.
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
-  ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+  ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   const int signalFd = ::signalfd(-1, &signals, SFD_CLOEXEC);
+  auto session = OpenBrowseSession(project);
   TWatcher watcher;
   watcher.Watch(session->WatchedFiles());
   PrintMessage("watching " + std::to_string(session->WatchedFiles().size()) +
@@ -172,9 +173,10 @@ void RunWatch(const std::string& project) {
 
 void AddWatchCommand(CLI::App& app) {
   auto project = std::make_shared<std::string>();
-  auto* cmd = app.add_subcommand(
-      "watch", "Stay running: parse files again as they change and print each class added, changed or removed");
-  cmd->add_option("project", *project, "Project file or folder");
+  auto* cmd = app.add_subcommand("watch",
+                                 "Stay running: parse files again as they change and print each "
+                                 "class added, changed or removed");
+  cmd->add_option("PROJECT", *project, "Project file or folder");
   cmd->callback([project] { RunWatch(*project); });
 }
 

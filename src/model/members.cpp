@@ -40,9 +40,11 @@ TMethodDescription::TMethodDescription(std::string_view name, TLanguage language
 }
 
 std::string TMethodDescription::GetDisplayText(unsigned options) const {
-  if (!(options & toShowArguments)) return Name;
   const bool cpp = IsCpp();
-  std::string s = Name;
+  // A C++ operator is stored by its symbol alone; "<" on its own reads as a stray
+  // character in a tree, "operator <" as what the header says.
+  std::string s = cpp && Kind == TMethodKind::Operator ? "operator " + Name : Name;
+  if (!(options & toShowArguments)) return s;
   if (cpp || !Parameters.Empty()) s += "(" + Parameters.GetText(options) + ")";
   if (!cpp && Kind == TMethodKind::Function) s += ": " + ResultType;
   if (cpp && !ResultType.empty()) s = ResultType + " " + s;

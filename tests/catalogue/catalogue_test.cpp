@@ -39,6 +39,17 @@ std::string Repeat(std::string_view piece, size_t times) {
   return s;
 }
 
+// A message as the command prints it: one line in its style, the line breaks the message
+// keeps for dialogs read as spaces.
+std::string AsCommandLine(const std::string& message) {
+  std::string line = "velmora: ";
+  for (char c : message) {
+    if (c == '\r') continue;
+    line += c == '\n' ? ' ' : c;
+  }
+  return line + "\n";
+}
+
 std::string RandomBytes(size_t size, unsigned seed) {
   std::mt19937 random(seed);
   std::string s(size, '\0');
@@ -199,7 +210,8 @@ TEST(CatalogueTest, DamagedClassInformationFiles) {
     ExpectCleanRun(r, before, dir.Path(), c.Name);
     if (c.Reason) {
       EXPECT_EQ(r.ExitCode, 1) << c.Name;
-      EXPECT_EQ(r.Err, FormatMessage(kClassInfoLoadFailed, {path, c.Reason}) + "\n") << c.Name;
+      EXPECT_EQ(r.Err, AsCommandLine(FormatMessage(kClassInfoLoadFailed, {path, c.Reason})))
+          << c.Name;
     } else {
       EXPECT_EQ(r.ExitCode, 0) << c.Name << "\n" << r.Err;
       EXPECT_NE(r.Out.find(c.Out), std::string::npos) << c.Name << "\n" << r.Out;
@@ -216,7 +228,7 @@ TEST(CatalogueTest, MissingOrUnreadableClassInformationFile) {
     const TRunResult r = RunVelmora({"dump", "--load", path});
     ExpectCleanRun(r, before, dir.Path(), name);
     EXPECT_EQ(r.ExitCode, 1) << name;
-    EXPECT_EQ(r.Err, FormatMessage(kClassInfoMissing, {path}) + "\n") << name;
+    EXPECT_EQ(r.Err, AsCommandLine(FormatMessage(kClassInfoMissing, {path}))) << name;
   }
 }
 
@@ -361,18 +373,22 @@ std::vector<TSourceCase> SourceCases() {
       {.Name = "random bytes as C++",
        .Make = Files({{"noise.cpp", RandomBytes(1 << 20, 1)}}),
        .Args = {"{dir}/noise.cpp"},
+       .Err = "velmora: warning: {dir}/noise.cpp: looks binary (NUL bytes); parsed anyway\n",
        .Out = {"files: 1\n"}},
       {.Name = "random bytes as Pascal",
        .Make = Files({{"noise.pas", RandomBytes(1 << 20, 2)}}),
        .Args = {"{dir}/noise.pas"},
+       .Err = "velmora: warning: {dir}/noise.pas: looks binary (NUL bytes); parsed anyway\n",
        .Out = {"files: 1\n"}},
       {.Name = "a program as C++",
        .Make = [=](auto& d) { fs::create_symlink(program, d / "program.h"); },
        .Args = {"{dir}/program.h"},
+       .Err = "velmora: warning: {dir}/program.h: looks binary (NUL bytes); parsed anyway\n",
        .Out = {"files: 1\n"}},
       {.Name = "a program as Pascal",
        .Make = [=](auto& d) { fs::create_symlink(program, d / "program.pas"); },
        .Args = {"{dir}/program.pas"},
+       .Err = "velmora: warning: {dir}/program.pas: looks binary (NUL bytes); parsed anyway\n",
        .Out = {"files: 1\n"}},
       // One line of 10 MB after a class.
       {.Name = "10 MB identifier",
@@ -436,10 +452,12 @@ std::vector<TSourceCase> SourceCases() {
       {.Name = "NUL inside C++",
        .Make = Files({{"nul.h", kClassCpp + std::string(1, '\0') + "class TAfter {};\r\n"}}),
        .Args = {"{dir}/nul.h"},
+       .Err = "velmora: warning: {dir}/nul.h: looks binary (NUL bytes); parsed anyway\n",
        .Out = {"classes: 1\n"}},
       {.Name = "NUL inside Pascal",
        .Make = Files({{"Nul.pas", kClassPas + std::string(1, '\0') + "  TAfter = class end;\r\n"}}),
        .Args = {"{dir}/Nul.pas"},
+       .Err = "velmora: warning: {dir}/Nul.pas: looks binary (NUL bytes); parsed anyway\n",
        .Out = {"classes: 1\n"}},
       // File names that are not ASCII.
       {.Name = "UTF-8 file name",
@@ -478,10 +496,13 @@ std::vector<TSourceCase> SourceCases() {
        .Make =
            Files({{"main.h", "#include \"missing.h\"\r\n#include \"sub/none.h\"\r\n" + kClassCpp}}),
        .Args = {"--follow-includes", "{dir}/main.h"},
+       .Err = "velmora: warning: {dir}/main.h: include \"missing.h\" not found\n"
+              "velmora: warning: {dir}/main.h: include \"sub/none.h\" not found\n",
        .Out = {"files: 1\n", "classes: 1\n"}},
       {.Name = "missing Pascal include",
        .Make = Files({{"Unit1.pas", kClassPas + "{$I nothere.inc}\r\n"}}),
        .Args = {"--follow-includes", "{dir}/Unit1.pas"},
+       .Err = "velmora: warning: {dir}/Unit1.pas: include \"nothere.inc\" not found\n",
        .Out = {"files: 1\n"}},
       {.Name = "include naming a folder",
        .Make =
@@ -490,6 +511,7 @@ std::vector<TSourceCase> SourceCases() {
              fs::create_directory(d / "sub");
            },
        .Args = {"--follow-includes", "{dir}/main.h"},
+       .Err = "velmora: warning: {dir}/main.h: include \"sub\" not found\n",
        .Out = {"files: 1\n"}},
       {.Name = "include naming a pipe",
        .Make =
@@ -498,6 +520,7 @@ std::vector<TSourceCase> SourceCases() {
              ::mkfifo((d / "pipe.h").c_str(), 0600);
            },
        .Args = {"--follow-includes", "{dir}/main.h"},
+       .Err = "velmora: warning: {dir}/main.h: include \"pipe.h\" not found\n",
        .Out = {"files: 1\n"}},
       // Named files that cannot be read: a message, and the others are still parsed.
       {.Name = "missing file",
@@ -506,11 +529,11 @@ std::vector<TSourceCase> SourceCases() {
        .ExitCode = 1,
        .Err = "velmora: Cannot open file \"{dir}/missing.cpp\": No such file or directory\n",
        .Out = {"classes: 1\n"}},
+      // A folder is walked for sources, whatever its name.
       {.Name = "a folder",
        .Make = [](auto& d) { fs::create_directory(d / "folder.cpp"); },
        .Args = {"{dir}/folder.cpp"},
-       .ExitCode = 1,
-       .Err = "velmora: Cannot read file \"{dir}/folder.cpp\": Is a directory\n"},
+       .Err = "velmora: warning: {dir}/folder.cpp: no C++ or Pascal sources in the folder\n"},
       {.Name = "dangling link",
        .Make = [](auto& d) { fs::create_symlink(d / "gone.h", d / "link.h"); },
        .Args = {"{dir}/link.h"},
