@@ -58,6 +58,14 @@ void TDockableDisplayForm::Dock(TDockPanel& panel) {
   DockFinished();
 }
 
+void TDockableDisplayForm::Undock() {
+  if (panel_ == nullptr) return;
+  Hide();
+  panel_->SetContent(nullptr, {});
+  panel_ = nullptr;
+  AttachToPanel(nullptr);
+}
+
 void TDockableDisplayForm::Activate() {
   if (panel_ != nullptr)
     panel_->BringParentToFront();

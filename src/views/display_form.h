@@ -76,7 +76,11 @@ class TDockableDisplayForm : public TCustomRepresentationDisplayForm {
 
   /// Moves the form into `panel`: hidden, prepared, parented filling the panel, placed
   /// as stored, then shown with the panel.
+  /// The panel must outlive the form or see it undocked first.
   void Dock(TDockPanel& panel);
+  /// Leaves the panel (hidden, a top-level window again); the host shows it where it
+  /// wants. Nothing when floating.
+  void Undock();
   /// Brings the form's window to the front and, when it has a control that can take the
   /// focus, opens a collapsed panel and focuses that control.
   void Activate();
