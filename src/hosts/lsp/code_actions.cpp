@@ -335,13 +335,18 @@ json CodeActions(TModelView view, const std::string& path, int64_t offset) {
   const std::string* text = view.Texts.Text(path);
   if (!text) return actions;
   const std::string uri = UriFromPath(path);
+  const TLineIndex lines(*text);
   if (const TFileModel* file = view.Model.File(path); file && file->Classes) {
     // The innermost class whose declaration holds the offset: nested classes come after
     // their outer class in the walk.
     TClassDescription* at = nullptr;
     std::string atName;
     ForEachClass(*file->Classes, "", [&](TClassDescription& cls, const std::string& name) {
-      if (cls.StartOffset >= 0 && cls.StartOffset <= offset && offset <= cls.EndOffset) {
+      // From the start of the head's line: a C++ class starts at its name, and the cursor
+      // on "class" belongs to it too.
+      if (cls.StartOffset < 0) return;
+      const int64_t from = lines.LineStart(lines.LineOf(cls.StartOffset));
+      if (from <= offset && offset <= cls.EndOffset) {
         at = &cls;
         atName = name;
       }
@@ -373,7 +378,6 @@ json CodeActions(TModelView view, const std::string& path, int64_t offset) {
       actions.push_back(Action("Add property…", kAddPropertyCommand, std::move(prop)));
     }
   }
-  const TLineIndex lines(*text);
   actions.push_back(Action("Insert code marker", kInsertMarkerCommand,
                            {{"uri", uri}, {"Kind", mkInsertEnd}, {"Line", lines.LineOf(offset)}}));
   return actions;

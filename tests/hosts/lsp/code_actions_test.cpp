@@ -74,7 +74,7 @@ struct Client {
                                        {"params",
                                         {{"textDocument",
                                           {{"uri", UriFromPath(file.string())},
-                                           {"languageId", "pascal"},
+                                           {"languageId", file.extension() == ".pas" ? "pascal" : "cpp"},
                                            {"version", 1},
                                            {"text", ReadFile(file)}}}}}});
   }
@@ -208,6 +208,8 @@ TEST(CodeActions, DefaultsResolve) {
 struct GoldenCase {
   const char* folder;
   const char* unit;  // the golden's before/after in the server's working copy
+  const char* ext;   // of before.* and after.*
+  int line;          // a line of the class's declaration
   const char* title;
   json arguments;  // put over the action's own
 };
@@ -216,12 +218,22 @@ TEST(CodeActions, ResolveWritesWhatTheGeneratorsGoldensHold) {
   const GoldenCase cases[] = {
       {.folder = "pas_procedure_plain",
        .unit = "Plain.pas",
+       .ext = "pas",
+       .line = 5,
        .title = "Add method…",
        .arguments = {{"MethodName", "Stop"}}},
       {.folder = "pas_field_new_section",
        .unit = "Counter.pas",
+       .ext = "pas",
+       .line = 5,
        .title = "Add field…",
        .arguments = {{"FieldName", "FLimit"}, {"Type", "Integer"}, {"Visibility", "private"}}},
+      {.folder = "cpp_field_new_section",
+       .unit = "Counter.h",
+       .ext = "h",
+       .line = 2,
+       .title = "Add field…",
+       .arguments = {{"FieldName", "FLimit"}, {"Type", "int"}, {"Visibility", "private"}}},
   };
   for (const GoldenCase& c : cases) {
     const fs::path root = fs::temp_directory_path() /
@@ -229,24 +241,24 @@ TEST(CodeActions, ResolveWritesWhatTheGeneratorsGoldensHold) {
     fs::remove_all(root);
     fs::create_directories(root);
     const fs::path unit = root / c.unit;
-    fs::copy_file(kGolden / c.folder / "before.pas", unit);
+    const fs::path before = kGolden / c.folder / (std::string("before.") + c.ext);
+    fs::copy_file(before, unit);
     {
       Client client(root);
       client.Open(unit);
-      // The class's head is on line 5 of both units.
       json chosen;
-      for (const json& action : client.Actions(unit, 5, 4))
+      for (const json& action : client.Actions(unit, c.line, 4))
         if (action["title"] == c.title) chosen = action;
       ASSERT_FALSE(chosen.is_null()) << c.folder;
       chosen["data"]["arguments"].update(c.arguments);
       bool failed = false;
       const json resolved = client.Call(Req("codeAction/resolve", chosen), &failed);
       ASSERT_FALSE(failed) << c.folder << ": " << resolved.dump();
-      std::string expected = ReadFile(kGolden / c.folder / "after.pas");
+      std::string expected = ReadFile(kGolden / c.folder / (std::string("after.") + c.ext));
       expected.erase(expected.find("@^"), 2);
       EXPECT_EQ(ToLf(Applied(ReadFile(unit), resolved["edit"], unit)), ToLf(expected)) << c.folder;
       // A preview: neither the file nor the model got the member.
-      EXPECT_EQ(ReadFile(unit), ReadFile(kGolden / c.folder / "before.pas")) << c.folder;
+      EXPECT_EQ(ReadFile(unit), ReadFile(before)) << c.folder;
       bool again = false;
       client.Call(Req("codeAction/resolve", chosen), &again);
       EXPECT_FALSE(again) << c.folder << ": the model's class did not get the member";
@@ -321,6 +333,18 @@ TEST(CodeActions, RefusedRequestAnswersItsMessageAndSendsNothing) {
        .command = kAddFieldCommand,
        .arguments = {{"uri", uri}, {"Class", "TNothing"}, {"FieldName", "F"}, {"Type", "T"}},
        .message = nullptr},
+      {.name = "unknown visibility",
+       .command = kAddFieldCommand,
+       .arguments = {{"uri", uri},
+                     {"Class", "TRecipeCheck"},
+                     {"FieldName", "FLimit"},
+                     {"Type", "Integer"},
+                     {"Visibility", "secret"}},
+       .message = "Visibility takes one of public, private, protected, published, automated"},
+      {.name = "unknown command",
+       .command = "velmora.addNothing",
+       .arguments = {{"uri", uri}},
+       .message = "unknown command velmora.addNothing"},
       {.name = "marker of no kind",
        .command = kInsertMarkerCommand,
        .arguments = {{"uri", uri}, {"Kind", 9}, {"Line", 0}},
