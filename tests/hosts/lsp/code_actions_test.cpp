@@ -69,14 +69,15 @@ struct Client {
     return message.contains("result") ? message["result"] : message["error"];
   }
   void Open(const fs::path& file) {
-    server.Dispatcher().HandleMessage({{"jsonrpc", "2.0"},
-                                       {"method", "textDocument/didOpen"},
-                                       {"params",
-                                        {{"textDocument",
-                                          {{"uri", UriFromPath(file.string())},
-                                           {"languageId", file.extension() == ".pas" ? "pascal" : "cpp"},
-                                           {"version", 1},
-                                           {"text", ReadFile(file)}}}}}});
+    server.Dispatcher().HandleMessage(
+        {{"jsonrpc", "2.0"},
+         {"method", "textDocument/didOpen"},
+         {"params",
+          {{"textDocument",
+            {{"uri", UriFromPath(file.string())},
+             {"languageId", file.extension() == ".pas" ? "pascal" : "cpp"},
+             {"version", 1},
+             {"text", ReadFile(file)}}}}}});
   }
   json Actions(const fs::path& file, int line, int character) {
     const json position = {{"line", line}, {"character", character}};
@@ -265,6 +266,42 @@ TEST(CodeActions, ResolveWritesWhatTheGeneratorsGoldensHold) {
     }
     fs::remove_all(root);
   }
+}
+
+// A C++ method goes to two files: the declaration into the header, the body into the
+// implementation file named by its uri; the edit changes both as the golden has them.
+TEST(CodeActions, ResolveWritesAMethodIntoHeaderAndImplementation) {
+  const fs::path golden = kGolden / "cpp_explicit_impl_file";
+  const fs::path root =
+      fs::temp_directory_path() / ("velmora-lsp-actions-cpp-" + std::to_string(::getpid()));
+  fs::remove_all(root);
+  fs::create_directories(root);
+  for (const char* name : {"before.h", "before.cc"}) fs::copy_file(golden / name, root / name);
+  {
+    Client client(root);
+    const fs::path header = root / "before.h", source = root / "before.cc";
+    client.Open(header);
+    json chosen;
+    for (const json& action : client.Actions(header, 2, 3))
+      if (action["title"] == "Add method…") chosen = action;
+    ASSERT_FALSE(chosen.is_null());
+    chosen["data"]["arguments"].update({{"MethodName", "Reset"},
+                                        {"Kind", "function"},
+                                        {"ResultType", "bool"},
+                                        {"Arguments", "int Level = 0"},
+                                        {"ImplementationFile", UriFromPath(source.string())}});
+    bool failed = false;
+    const json resolved = client.Call(Req("codeAction/resolve", chosen), &failed);
+    ASSERT_FALSE(failed) << resolved.dump();
+    for (const char* ext : {"h", "cc"}) {
+      const fs::path file = root / (std::string("before.") + ext);
+      std::string expected = ReadFile(golden / (std::string("after.") + ext));
+      if (const std::size_t cursor = expected.find("@^"); cursor != std::string::npos)
+        expected.erase(cursor, 2);
+      EXPECT_EQ(ToLf(Applied(ReadFile(file), resolved["edit"], file)), ToLf(expected)) << ext;
+    }
+  }
+  fs::remove_all(root);
 }
 
 TEST(CodeActions, ExecuteCommandSendsApplyEdit) {
