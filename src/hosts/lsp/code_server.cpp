@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "hosts/lsp/code_actions.h"
 #include "hosts/lsp/code_requests.h"
 #include "parsing/source_parser.h"
 #include "projects/project.h"
+#include "settings/registry_ini_store.h"
+#include "settings/vl_settings.h"
 #include "support/paths.h"
 
 namespace velmora::lsp {
@@ -71,7 +74,17 @@ std::string ChooseProject(const std::string& root, const std::string& option) {
 }
 
 TCodeServer::TCodeServer(TLspServer& server, TServerOptions options, TCodeServerOptions codeOptions)
-    : server_(server), options_(std::move(options)), inline_(codeOptions.Inline) {
+    : server_(server),
+      options_(std::move(options)),
+      inline_(codeOptions.Inline),
+      settings_(codeOptions.Settings) {
+  if (!settings_) {
+    // A store that cannot be read leaves the defaults, as on the command line.
+    ownSettings_ = std::make_unique<TVLSettings>();
+    TRegistryIniStore store(TRegistryIniStore::DefaultFileName());
+    if (store.Load()) ownSettings_->Load(store);
+    settings_ = ownSettings_.get();
+  }
   TParseDriver::TDeliver deliver = [this](TParsedFile parsed) { Deliver(std::move(parsed)); };
   if (inline_)
     driver_ = std::make_unique<TInlineParseDriver>(
@@ -90,6 +103,11 @@ TCodeServer::TCodeServer(TLspServer& server, TServerOptions options, TCodeServer
     capabilities["implementationProvider"] = true;
     capabilities["hoverProvider"] = true;
     capabilities["typeHierarchyProvider"] = true;
+    capabilities["codeActionProvider"] = {{"codeActionKinds", {"refactor"}},
+                                          {"resolveProvider", true}};
+    capabilities["executeCommandProvider"] = {
+        {"commands",
+         {kAddFieldCommand, kAddMethodCommand, kAddPropertyCommand, kInsertMarkerCommand}}};
   };
   BindRequests();
 }
@@ -147,6 +165,34 @@ void TCodeServer::BindRequests() {
   });
   d.OnRequest("typeHierarchy/subtypes", [withView](const json& params) {
     return withView([&](TModelView view) { return Subtypes(view, params.at("item")); });
+  });
+  d.OnRequest("textDocument/codeAction", [this, withView](const json& params) {
+    const std::string path = PathOf(params);
+    if (path.empty()) return json::array();
+    EnsureParsed(path);
+    const json& start = params.at("range").at("start");
+    const TLspPosition position{start.at("line").get<int>(), start.at("character").get<int>()};
+    return withView([&](TModelView view) {
+      const int64_t offset = view.Texts.Offset(path, position);
+      return offset < 0 ? json::array() : CodeActions(view, path, offset);
+    });
+  });
+  // The edit is computed only when the client asks for it: a menu of actions is shown on
+  // every cursor move, the edit of one only when it is chosen.
+  d.OnRequest("codeAction/resolve", [this](const json& action) {
+    json resolved = action;
+    const json& data = action.at("data");
+    resolved["edit"] =
+        Edit(data.at("command").get<std::string>(), data.value("arguments", json::object()));
+    return resolved;
+  });
+  d.OnRequest("workspace/executeCommand", [this](const json& params) {
+    const std::string command = params.at("command").get<std::string>();
+    const json arguments = params.value("arguments", json::array());
+    json edit =
+        Edit(command, arguments.is_array() && !arguments.empty() ? arguments[0] : arguments);
+    server_.Request("workspace/applyEdit", {{"label", command}, {"edit", std::move(edit)}});
+    return json(nullptr);
   });
   d.OnNotification("workspace/didChangeWatchedFiles",
                    [this](const json& params) { FilesChanged(params); });
@@ -276,6 +322,11 @@ void TCodeServer::EnsureParsed(const std::string& path) {
   if (!doc) return;  // a file never opened and not parsed: the answer is empty
   TParsedFile parsed = ParseFileForModel(path, doc->Text, ++generation_);
   model_.Merge(std::move(parsed));
+}
+
+json TCodeServer::Edit(std::string_view command, const json& arguments) {
+  return CommandEdit({server_.Documents(), *settings_, server_.Client().Encoding}, command,
+                     arguments);
 }
 
 void TCodeServer::DocumentChanged(const std::string& path) {

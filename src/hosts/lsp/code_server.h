@@ -19,6 +19,10 @@
 #include "hosts/lsp/parse_driver.h"
 #include "hosts/lsp/server.h"
 
+namespace velmora {
+class TVLSettings;
+}
+
 namespace velmora::lsp {
 
 /// The project to open for a workspace root: `option` when given (relative to the root),
@@ -35,6 +39,9 @@ struct TCodeServerOptions {
   /// and merged as it is asked for. For tests that want the whole model at the next
   /// message, without threads.
   bool Inline = false;
+  /// The settings code generation follows; null for the user's own (their store, or the
+  /// defaults when it cannot be read).
+  const TVLSettings* Settings = nullptr;
 };
 
 class TCodeServer {
@@ -65,12 +72,16 @@ class TCodeServer {
   void Progress(const char* kind);
   /// The model of an open document, parsed now when the model has none.
   void EnsureParsed(const std::string& path);
+  /// The WorkspaceEdit of a command (see code_actions.h); throws TLspError.
+  json Edit(std::string_view command, const json& arguments);
 
   TLspServer& server_;
   TServerOptions options_;
   bool inline_;
   TCodeModel model_;
-  uint64_t generation_ = 0;  ///< the last generation asked for
+  std::unique_ptr<TVLSettings> ownSettings_;  ///< the user's, when none were given
+  const TVLSettings* settings_;               ///< never null
+  uint64_t generation_ = 0;                   ///< the last generation asked for
   std::string projectFile_;
   std::vector<std::string> sourceFiles_;  ///< the project's sources, in project order
   std::set<std::string> projectFiles_;
