@@ -11,12 +11,15 @@ namespace velmora {
 
 TMarkerPositionFinder::TMarkerPositionFinder(TLanguage language, const std::string& text) {
   if (language == TLanguage::Pascal) {
-    tokenizer_ = std::make_unique<TPascalTokenizer>();
+    owned_ = std::make_unique<TPascalTokenizer>();
   } else {
-    tokenizer_ = std::make_unique<TCPPTokenizer>();
+    owned_ = std::make_unique<TCPPTokenizer>();
   }
+  tokenizer_ = owned_.get();
   tokenizer_->SetText(text.c_str(), static_cast<int32_t>(text.size()));
 }
+
+TMarkerPositionFinder::TMarkerPositionFinder(TTokenizer& tokenizer) : tokenizer_(&tokenizer) {}
 
 TMarkerPositionFinder::~TMarkerPositionFinder() = default;
 
@@ -46,13 +49,12 @@ int32_t TMarkerPositionFinder::FindMarker(TLanguage language, const std::string&
   return -1;
 }
 
-int32_t TMarkerPositionFinder::FindMethodImplementationLine(TLanguage language,
-                                                            const std::string& text,
-                                                            std::string_view className,
-                                                            std::string_view methodName,
-                                                            bool ordered, bool* isMethodMarker) {
+namespace {
+
+// FindMethodImplementationLine's search, over the markers `finder` has still to return.
+int32_t MethodMarkerLine(TMarkerPositionFinder& finder, std::string_view className,
+                         std::string_view methodName, bool ordered, bool* isMethodMarker) {
   if (isMethodMarker) *isMethodMarker = false;
-  TMarkerPositionFinder finder(language, text);
   for (TMarker m = finder.NextMarker(); m.Line != -1; m = finder.NextMarker()) {
     if (m.Kind == mkInsertEnd) return m.Line;
     if (m.Kind == mkClassMethod && SameText(m.Argument, className)) return m.Line;
@@ -69,14 +71,32 @@ int32_t TMarkerPositionFinder::FindMethodImplementationLine(TLanguage language,
   return -1;
 }
 
+}  // namespace
+
+int32_t TMarkerPositionFinder::FindMethodImplementationLine(TLanguage language,
+                                                            const std::string& text,
+                                                            std::string_view className,
+                                                            std::string_view methodName,
+                                                            bool ordered, bool* isMethodMarker) {
+  TMarkerPositionFinder finder(language, text);
+  return MethodMarkerLine(finder, className, methodName, ordered, isMethodMarker);
+}
+
 int32_t MethodImplementationLine(TLanguage language, const std::string& text,
                                  const TClassDescription& cls, std::string_view methodName,
                                  bool ordered) {
-  bool isMethodMarker = false;
-  const int32_t markerLine = TMarkerPositionFinder::FindMethodImplementationLine(
-      language, text, cls.Name, methodName, ordered, &isMethodMarker);
-  if (language == TLanguage::Cpp) return markerLine;
+  if (language == TLanguage::Cpp)
+    return TMarkerPositionFinder::FindMethodImplementationLine(language, text, cls.Name, methodName,
+                                                               ordered);
 
+  // One tokenizing of the unit serves the markers and the searches for implementations:
+  // in a unit of megabytes it is most of the time of this call.
+  TPascalCodeFinder finder;
+  finder.SetText(text.c_str(), static_cast<int32_t>(text.size()));
+  bool isMethodMarker = false;
+  TMarkerPositionFinder markers(finder.Tokenizer());
+  const int32_t markerLine =
+      MethodMarkerLine(markers, cls.Name, methodName, ordered, &isMethodMarker);
   int32_t line = markerLine;
   if (!isMethodMarker && ordered) {
     // The first method of the class that sorts after the new one; the list is sorted by
@@ -90,17 +110,11 @@ int32_t MethodImplementationLine(TLanguage language, const std::string& text,
       }
     }
     if (after != nullptr) {
-      TPascalCodeFinder finder;
-      finder.SetText(text.c_str(), static_cast<int32_t>(text.size()));
       const int32_t found = finder.FindMethodImplementationLine(cls.Name, after->Name);
       if (found != -1 && (markerLine == -1 || found < markerLine)) line = found;
     }
   }
-  if (line == -1) {
-    TPascalCodeFinder finder;
-    finder.SetText(text.c_str(), static_cast<int32_t>(text.size()));
-    line = finder.FindUnitEndLine(true);
-  }
+  if (line == -1) line = finder.FindUnitEndLine(true);
   return line;
 }
 

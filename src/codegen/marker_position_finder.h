@@ -30,6 +30,10 @@ class TMarkerPositionFinder {
   /// Tokenizes `text` by `language`; the text must be NUL-terminated at its size and
   /// outlive the finder.
   TMarkerPositionFinder(TLanguage language, const std::string& text);
+  /// Walks the tokens of `tokenizer`, which already holds the text and must outlive the
+  /// finder: a caller that searches the same text otherwise too tokenizes it only once.
+  /// Only the token tables are read, never the tokenizer's cursor.
+  explicit TMarkerPositionFinder(TTokenizer& tokenizer);
   ~TMarkerPositionFinder();
   TMarkerPositionFinder(const TMarkerPositionFinder&) = delete;
   TMarkerPositionFinder& operator=(const TMarkerPositionFinder&) = delete;
@@ -56,9 +60,10 @@ class TMarkerPositionFinder {
                                               bool* isMethodMarker = nullptr);
 
  private:
-  std::unique_ptr<TTokenizer> tokenizer_;  // of the text's language, over the whole text
-  int32_t next_ = 0;                       // the token the next NextMarker looks at first
-  int32_t lastLine_ = -1;                  // the line of the marker found last
+  std::unique_ptr<TTokenizer> owned_;  // the tokenizer made for the text, null when lent one
+  TTokenizer* tokenizer_;              // owned_ or the lent one, over the whole text; never null
+  int32_t next_ = 0;                   // the token the next NextMarker looks at first
+  int32_t lastLine_ = -1;              // the line of the marker found last
 };
 
 /// The line before which the implementation of a new method `methodName` of `cls` goes in
