@@ -192,7 +192,10 @@ void TStringList::AddMany(const std::vector<std::pair<std::string_view, void*>>&
   auto settle = [&] {
     if (firstTouched < static_cast<int>(blocks_.size())) RecountFrom(firstTouched);
   };
-  for (const auto& [s, object] : entries) {
+  for (const auto& entry : entries) {
+    // Named, not a structured binding: the searches below capture it in lambdas.
+    const auto& s = entry.first;
+    const auto& object = entry.second;
     if (blocks_.empty()) {
       blocks_.emplace_back().reserve(static_cast<size_t>(firstBlockRoom_));
       firstTouched = 0;
