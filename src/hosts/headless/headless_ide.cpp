@@ -13,16 +13,6 @@
 namespace velmora {
 namespace {
 
-// The experts of the host whose LoadAddIn is running: the registration procedure is a
-// plain function, as a library's entry point gets it, so it finds its host's list here.
-thread_local std::vector<TIExpert*>* loadingExperts = nullptr;
-
-bool RegisterExpert(TIExpert* expert) {
-  if (!loadingExperts || !expert) return false;
-  loadingExperts->push_back(expert);
-  return true;
-}
-
 std::string UnitNameOf(const std::string& fileName) {
   std::string_view name = ExtractFileName(fileName);
   name.remove_suffix(ExtractFileExt(name).size());
@@ -93,27 +83,11 @@ void THeadlessIDE::BuildComponents() {
 }
 
 bool THeadlessIDE::LoadAddIn(TExpertInitProc entry) {
-  TExpertTerminateProc terminate = nullptr;
-  std::vector<TIExpert*>* outerExperts = std::exchange(loadingExperts, &experts_);
-  bool result = false;
-  try {
-    result = entry(this, &RegisterExpert, &terminate);
-  } catch (const std::exception& e) {
-    ReportException(e.what());
-  }
-  loadingExperts = outerExperts;
-  if (terminate) terminates_.push_back(terminate);
-  return result;
+  return experts_.Load(this, entry, [this](const std::string& m) { ReportException(m); });
 }
 
 void THeadlessIDE::UnloadAddIns() {
-  while (!experts_.empty()) {
-    TIExpert* expert = experts_.back();
-    experts_.pop_back();
-    expert->Release();
-  }
-  for (TExpertTerminateProc terminate : terminates_) terminate();
-  terminates_.clear();
+  experts_.Unload();
 }
 
 void THeadlessIDE::ReportException(const std::string& message) {
@@ -131,17 +105,7 @@ THeadlessModule* THeadlessIDE::ModuleOf(const std::string& fileName) const {
 }
 
 void THeadlessIDE::Broadcast(TFileNotification code, const std::string& fileName) {
-  const std::vector<TIAddInNotifier*> notifiers = notifiers_;
-  for (TIAddInNotifier* n : notifiers) {
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    bool cancel = false;
-    // A notifier must not throw; one that does is reported, as an IDE would.
-    try {
-      n->FileNotification(code, fileName, cancel);
-    } catch (const std::exception& e) {
-      ReportException(e.what());
-    }
-  }
+  notifiers_.Broadcast(code, fileName, [this](const std::string& m) { ReportException(m); });
 }
 
 // ---- the project ----
@@ -338,17 +302,11 @@ TIMainMenu* THeadlessIDE::GetMainMenu() {
 }
 
 bool THeadlessIDE::AddNotifier(TIAddInNotifier* notifier) {
-  if (!notifier || std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end())
-    return false;
-  notifiers_.push_back(notifier);
-  return true;
+  return notifiers_.Add(notifier);
 }
 
 bool THeadlessIDE::RemoveNotifier(TIAddInNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
+  return notifiers_.Remove(notifier);
 }
 
 }  // namespace velmora

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "ide/addin_experts.h"
+#include "ide/addin_notifier_list.h"
 #include "ide/component.h"
 #include "ide/editor.h"
 #include "ide/expert.h"
@@ -53,8 +55,8 @@ class THeadlessIDE : public TIToolServices {
   /// Releases the registered experts, last first, then calls the add-ins' terminate
   /// procedures. Also done by the destructor.
   void UnloadAddIns();
-  int ExpertCount() const { return static_cast<int>(experts_.size()); }
-  TIExpert* Expert(int index) const { return experts_[static_cast<size_t>(index)]; }
+  int ExpertCount() const { return experts_.Count(); }
+  TIExpert* Expert(int index) const { return experts_.At(index); }
   /// Messages given to ReportException, oldest first.
   const std::vector<std::string>& Reports() const { return reports_; }
 
@@ -123,9 +125,8 @@ class THeadlessIDE : public TIToolServices {
   TComponent application_{"TApplication", "Application"};
   TIRef<THeadlessMenuItem> menuBar_;
   std::vector<TIRef<THeadlessMenuItem>> ownItems_;  ///< the IDE's own menu items
-  std::vector<TIAddInNotifier*> notifiers_;         ///< registered; owned by the add-ins
-  std::vector<TIExpert*> experts_;                  ///< one reference each
-  std::vector<TExpertTerminateProc> terminates_;
+  TAddInNotifierList notifiers_;
+  TAddInExperts experts_;
   std::vector<std::string> reports_;
 
   std::string projectFile_;               ///< "" when no project is open

@@ -134,35 +134,21 @@ TIEditor* THeadlessModule::GetEditorOfFile(const std::string& fileName) {
 }
 
 bool THeadlessModule::AddNotifier(TIModuleNotifier* notifier) {
-  if (!notifier || closed_) return false;
-  if (std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end()) return false;
-  notifiers_.push_back(notifier);
-  return true;
+  return notifiers_.Add(notifier);
 }
 
 bool THeadlessModule::RemoveNotifier(TIModuleNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
+  return notifiers_.Remove(notifier);
 }
 
 void THeadlessModule::Notify(TModuleNotification code) {
-  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  const std::vector<TIModuleNotifier*> notifiers = notifiers_;
-  for (TIModuleNotifier* n : notifiers) {
-    // One that an earlier notifier detached is not called any more.
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    n->Notify(code, *this);
-  }
+  notifiers_.Notify(code, *this);
 }
 
 void THeadlessModule::Close() {
   TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  Notify(TModuleNotification::ModuleDeleted);
-  notifiers_.clear();
+  notifiers_.Close(*this);
   buffer_.reset();
-  closed_ = true;
 }
 
 void THeadlessModule::SetFileName(std::string fileName) {

@@ -9,6 +9,7 @@
 
 #include "hosts/headless/headless_ide.h"
 #include "ide/module.h"
+#include "ide/module_notifier_list.h"
 
 namespace velmora {
 
@@ -37,8 +38,7 @@ class THeadlessModule : public TIModule {
  private:
   std::string fileName_;
   std::shared_ptr<THeadlessBuffer> buffer_;
-  std::vector<TIModuleNotifier*> notifiers_;  ///< attached; owned by the add-in
-  bool closed_ = false;
+  TModuleNotifierList notifiers_;
 };
 
 /// The editor of one buffer.

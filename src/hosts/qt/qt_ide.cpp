@@ -41,16 +41,6 @@
 namespace velmora {
 namespace {
 
-// The experts of the IDE whose LoadAddIn is running: the registration procedure is a
-// plain function, as a library's entry point gets it, so it finds its host's list here.
-thread_local std::vector<TIExpert*>* loadingExperts = nullptr;
-
-bool RegisterExpert(TIExpert* expert) {
-  if (!loadingExperts || !expert) return false;
-  loadingExperts->push_back(expert);
-  return true;
-}
-
 std::string UnitNameOf(const std::string& fileName) {
   std::string_view name = ExtractFileName(fileName);
   name.remove_suffix(ExtractFileExt(name).size());
@@ -485,28 +475,12 @@ void TQtIDE::ShowAddInModel() {
 }
 
 bool TQtIDE::LoadAddIn(TExpertInitProc entry) {
-  TExpertTerminateProc terminate = nullptr;
-  std::vector<TIExpert*>* outerExperts = std::exchange(loadingExperts, &experts_);
-  bool result = false;
-  try {
-    result = entry(this, &RegisterExpert, &terminate);
-  } catch (const std::exception& e) {
-    ReportException(e.what());
-  }
-  loadingExperts = outerExperts;
-  if (terminate) terminates_.push_back(terminate);
-  return result;
+  return experts_.Load(this, entry, [this](const std::string& m) { ReportException(m); });
 }
 
 void TQtIDE::UnloadAddIns() {
   DisconnectAddInModel();
-  while (!experts_.empty()) {
-    TIExpert* expert = experts_.back();
-    experts_.pop_back();
-    expert->Release();
-  }
-  for (TExpertTerminateProc terminate : terminates_) terminate();
-  terminates_.clear();
+  experts_.Unload();
 }
 
 void TQtIDE::ReportException(const std::string& message) {
@@ -528,17 +502,7 @@ TQtModule* TQtIDE::ModuleOf(const std::string& fileName) const {
 }
 
 void TQtIDE::Broadcast(TFileNotification code, const std::string& fileName) {
-  const std::vector<TIAddInNotifier*> notifiers = notifiers_;
-  for (TIAddInNotifier* n : notifiers) {
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    bool cancel = false;
-    // A notifier must not throw; one that does is reported, as an IDE would.
-    try {
-      n->FileNotification(code, fileName, cancel);
-    } catch (const std::exception& e) {
-      ReportException(e.what());
-    }
-  }
+  notifiers_.Broadcast(code, fileName, [this](const std::string& m) { ReportException(m); });
 }
 
 // ---- the project ----
@@ -797,17 +761,11 @@ TIMainMenu* TQtIDE::GetMainMenu() {
 }
 
 bool TQtIDE::AddNotifier(TIAddInNotifier* notifier) {
-  if (!notifier || std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end())
-    return false;
-  notifiers_.push_back(notifier);
-  return true;
+  return notifiers_.Add(notifier);
 }
 
 bool TQtIDE::RemoveNotifier(TIAddInNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
+  return notifiers_.Remove(notifier);
 }
 
 // ---- menu commands ----

@@ -22,6 +22,8 @@
 #include "hosts/qt/qt_component.h"
 #include "hosts/qt/qt_menu.h"
 #include "hosts/qt/qt_module.h"
+#include "ide/addin_experts.h"
+#include "ide/addin_notifier_list.h"
 #include "ide/expert.h"
 #include "ide/main_thread_queue.h"
 #include "ide/notifiers.h"
@@ -60,7 +62,7 @@ class TQtIDE : public TIToolServices {
   bool LoadAddIn(TExpertInitProc entry);
   /// Releases the experts, last first, then calls the add-ins' terminate procedures.
   void UnloadAddIns();
-  int ExpertCount() const { return static_cast<int>(experts_.size()); }
+  int ExpertCount() const { return experts_.Count(); }
   /// The manager of the add-in loaded from a library, whose model the class view shows;
   /// null without one (the class view then shows the IDE's own parse).
   TVLManager* AddInManager() const { return addInManager_; }
@@ -165,9 +167,8 @@ class TQtIDE : public TIToolServices {
 
   TIRef<TQtMenuItem> menuBar_;
   std::vector<TIRef<TQtMenuItem>> ownItems_;  ///< the IDE's own menu items
-  std::vector<TIAddInNotifier*> notifiers_;   ///< registered; owned by the add-ins
-  std::vector<TIExpert*> experts_;            ///< one reference each
-  std::vector<TExpertTerminateProc> terminates_;
+  TAddInNotifierList notifiers_;
+  TAddInExperts experts_;
   std::vector<std::string> reports_;
 
   std::string projectFile_;  ///< "" when no project is open

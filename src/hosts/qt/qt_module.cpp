@@ -218,34 +218,19 @@ TIEditor* TQtModule::GetEditorOfFile(const std::string& fileName) {
 }
 
 bool TQtModule::AddNotifier(TIModuleNotifier* notifier) {
-  if (!notifier || closed_) return false;
-  if (std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end()) return false;
-  notifiers_.push_back(notifier);
-  return true;
+  return notifiers_.Add(notifier);
 }
 
 bool TQtModule::RemoveNotifier(TIModuleNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
+  return notifiers_.Remove(notifier);
 }
 
 void TQtModule::Notify(TModuleNotification code) {
-  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  const std::vector<TIModuleNotifier*> notifiers = notifiers_;
-  for (TIModuleNotifier* n : notifiers) {
-    // One that an earlier notifier detached is not called any more.
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    n->Notify(code, *this);
-  }
+  notifiers_.Notify(code, *this);
 }
 
 void TQtModule::Close() {
-  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  Notify(TModuleNotification::ModuleDeleted);
-  notifiers_.clear();
-  closed_ = true;
+  notifiers_.Close(*this);
 }
 
 void TQtModule::SetFileName(std::string fileName) {

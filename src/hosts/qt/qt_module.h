@@ -16,6 +16,7 @@
 
 #include "ide/editor.h"
 #include "ide/module.h"
+#include "ide/module_notifier_list.h"
 #include "support/text_buffer.h"
 
 class QsciScintilla;
@@ -62,8 +63,7 @@ class TQtModule : public TIModule {
  private:
   std::string fileName_;
   std::shared_ptr<TQtBuffer> buffer_;
-  std::vector<TIModuleNotifier*> notifiers_;  ///< attached; owned by the add-in
-  bool closed_ = false;
+  TModuleNotifierList notifiers_;
 };
 
 }  // namespace velmora
