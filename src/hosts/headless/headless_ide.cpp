@@ -11,16 +11,6 @@
 #include "support/stream.h"
 
 namespace velmora {
-namespace {
-
-std::string UnitNameOf(const std::string& fileName) {
-  std::string_view name = ExtractFileName(fileName);
-  name.remove_suffix(ExtractFileExt(name).size());
-  return std::string(name);
-}
-
-}  // namespace
-
 THeadlessIDE::THeadlessIDE() {
   BuildMenu();
   BuildComponents();
@@ -114,24 +104,18 @@ void THeadlessIDE::OpenProject(const std::string& projectFile, std::vector<std::
   CloseProject();
   const std::string key = KeyOf(projectFile);
   Broadcast(TFileNotification::ProjectOpening, key);
-  projectFile_ = key;
-  units_.clear();
-  for (std::string& unit : unitPaths) {
-    std::string unitKey = KeyOf(unit);
-    if (std::find(units_.begin(), units_.end(), unitKey) == units_.end())
-      units_.push_back(std::move(unitKey));
-  }
+  project_.Open(key);
+  for (const std::string& unit : unitPaths) project_.Add(KeyOf(unit));
   projectModule_ = TIRef<THeadlessModule>(new THeadlessModule(key, nullptr));
   Broadcast(TFileNotification::ProjectOpened, key);
 }
 
 void THeadlessIDE::CloseProject() {
-  if (projectFile_.empty()) return;
-  Broadcast(TFileNotification::ProjectClosing, projectFile_);
+  if (!project_.IsOpen()) return;
+  Broadcast(TFileNotification::ProjectClosing, project_.FileName());
   TIRef<THeadlessModule> module = std::move(projectModule_);
   if (module) module->Close();
-  projectFile_.clear();
-  units_.clear();
+  project_.Close();
 }
 
 bool THeadlessIDE::SaveProject() {
@@ -143,39 +127,29 @@ bool THeadlessIDE::SaveProject() {
 bool THeadlessIDE::RenameProject(const std::string& newProjectFile) {
   if (!projectModule_) return false;
   TIRef<THeadlessModule> module = projectModule_;
-  projectFile_ = KeyOf(newProjectFile);
-  module->SetFileName(projectFile_);
+  project_.Rename(KeyOf(newProjectFile));
+  module->SetFileName(project_.FileName());
   module->Notify(TModuleNotification::ModuleRenamed);
   module->Notify(TModuleNotification::ModuleSaved);
   return true;
 }
 
 bool THeadlessIDE::AddToProject(const std::string& fileName) {
-  if (projectFile_.empty()) return false;
   const std::string key = KeyOf(fileName);
-  if (std::find(units_.begin(), units_.end(), key) != units_.end()) return false;
-  units_.push_back(key);
+  if (!project_.Add(key)) return false;
   Broadcast(TFileNotification::AddedToProject, key);
   return true;
 }
 
 bool THeadlessIDE::RemoveFromProject(const std::string& fileName) {
-  auto it = std::find(units_.begin(), units_.end(), KeyOf(fileName));
-  if (it == units_.end()) return false;
-  const std::string key = *it;
-  units_.erase(it);
+  const std::string key = KeyOf(fileName);
+  if (!project_.Remove(key)) return false;
   Broadcast(TFileNotification::RemovedFromProject, key);
   return true;
 }
 
 bool THeadlessIDE::EnumProjectUnits(const TProjectUnitCallback& callback) {
-  if (projectFile_.empty()) return false;
-  // The project file comes first, as it is a unit of the project too.
-  if (!callback(projectFile_, UnitNameOf(projectFile_))) return true;
-  const std::vector<std::string> units = units_;
-  for (const std::string& unit : units)
-    if (!callback(unit, UnitNameOf(unit))) break;
-  return true;
+  return project_.Enum(callback);
 }
 
 // ---- files and buffers ----
@@ -293,7 +267,8 @@ bool THeadlessIDE::SetCurrentFile(const std::string& fileName) {
 
 TIModule* THeadlessIDE::GetModule(const std::string& fileName) {
   THeadlessModule* module = ModuleOf(fileName);
-  if (!module && projectModule_ && KeyOf(fileName) == projectFile_) module = projectModule_.Get();
+  if (!module && projectModule_ && KeyOf(fileName) == project_.FileName())
+    module = projectModule_.Get();
   return TIRef<TIModule>::Share(module).Detach();
 }
 

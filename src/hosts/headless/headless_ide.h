@@ -22,6 +22,7 @@
 #include "ide/expert.h"
 #include "ide/main_thread_queue.h"
 #include "ide/notifiers.h"
+#include "ide/project_units.h"
 #include "ide/tool_services.h"
 #include "support/text_buffer.h"
 
@@ -76,7 +77,7 @@ class THeadlessIDE : public TIToolServices {
   bool AddToProject(const std::string& fileName);
   /// Removes a unit (RemovedFromProject); false when it is not one.
   bool RemoveFromProject(const std::string& fileName);
-  const std::vector<std::string>& Units() const { return units_; }
+  const std::vector<std::string>& Units() const { return project_.Units(); }
 
   // ---- files and buffers ----
   /// Closes the buffer (FileClosing, then ModuleDeleted to its notifiers); unsaved
@@ -101,7 +102,7 @@ class THeadlessIDE : public TIToolServices {
   // ---- TIToolServices ----
   bool OpenFile(const std::string& fileName) override;
   bool ReloadFile(const std::string& fileName) override;
-  std::string ProjectName() override { return projectFile_; }
+  std::string ProjectName() override { return project_.FileName(); }
   std::string CurrentFile() override { return currentFile_; }
   bool IsFileOpen(const std::string& fileName) override;
   TIModule* GetModule(const std::string& fileName) override;
@@ -129,9 +130,8 @@ class THeadlessIDE : public TIToolServices {
   TAddInExperts experts_;
   std::vector<std::string> reports_;
 
-  std::string projectFile_;               ///< "" when no project is open
-  std::vector<std::string> units_;        ///< the project's units, in project order
-  TIRef<THeadlessModule> projectModule_;  ///< set while a project is open
+  TProjectUnits project_;
+  TIRef<THeadlessModule> projectModule_;                   ///< set while a project is open
   std::map<std::string, TIRef<THeadlessModule>> modules_;  ///< open files by KeyOf
   std::string currentFile_;
 };

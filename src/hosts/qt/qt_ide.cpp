@@ -41,12 +41,6 @@
 namespace velmora {
 namespace {
 
-std::string UnitNameOf(const std::string& fileName) {
-  std::string_view name = ExtractFileName(fileName);
-  name.remove_suffix(ExtractFileExt(name).size());
-  return std::string(name);
-}
-
 bool IsPascalFile(const std::string& fileName) {
   const std::string ext = AnsiLowerCase(std::string(ExtractFileExt(fileName)));
   return ext == ".pas" || ext == ".pp" || ext == ".dpr" || ext == ".dpk" || ext == ".lpr" ||
@@ -518,10 +512,10 @@ bool TQtIDE::OpenProjectFile(const std::string& path) {
   CloseProject();
   const std::string key = KeyOf(project.FileName);
   Broadcast(TFileNotification::ProjectOpening, key);
-  projectFile_ = key;
+  project_.Open(key);
   projectName_ = std::string(ExtractFileName(key));
   for (const TProjectUnit& unit : project.Units) {
-    units_.push_back(KeyOf(unit.FileName));
+    project_.Add(KeyOf(unit.FileName));
     parseFiles_.push_back(unit.FileName);
     if (!unit.Header.empty()) parseFiles_.push_back(unit.Header);
   }
@@ -533,7 +527,7 @@ bool TQtIDE::OpenProjectFile(const std::string& path) {
            .arg(QString::fromLatin1(ProjectKindName(project.Kind)), Latin1(projectName_))
            .arg(project.Units.size()));
   for (const std::string& warning : project.Warnings) Info(Latin1(warning));
-  if (!units_.empty()) OpenFile(units_.front());
+  if (!project_.Units().empty()) OpenFile(project_.Units().front());
   StartParse();
   return true;
 }
@@ -580,13 +574,12 @@ void TQtIDE::WaitUntilParsed() {
 }
 
 void TQtIDE::CloseProject() {
-  if (projectFile_.empty()) return;
-  Broadcast(TFileNotification::ProjectClosing, projectFile_);
+  if (!project_.IsOpen()) return;
+  Broadcast(TFileNotification::ProjectClosing, project_.FileName());
   TIRef<TQtModule> module = std::move(projectModule_);
   if (module) module->Close();
-  projectFile_.clear();
+  project_.Close();
   projectName_.clear();
-  units_.clear();
   parseFiles_.clear();
   // The view lets go of the IDE's own lists before they are freed; the add-in's stay.
   if (addInManager_)
@@ -600,10 +593,8 @@ void TQtIDE::CloseProject() {
 }
 
 bool TQtIDE::AddToProject(const std::string& fileName) {
-  if (projectFile_.empty()) return false;
   const std::string key = KeyOf(fileName);
-  if (std::find(units_.begin(), units_.end(), key) != units_.end()) return false;
-  units_.push_back(key);
+  if (!project_.Add(key)) return false;
   parseFiles_.push_back(key);
   Broadcast(TFileNotification::AddedToProject, key);
   if (!addInManager_) StartParse();
@@ -611,10 +602,8 @@ bool TQtIDE::AddToProject(const std::string& fileName) {
 }
 
 bool TQtIDE::RemoveFromProject(const std::string& fileName) {
-  auto it = std::find(units_.begin(), units_.end(), KeyOf(fileName));
-  if (it == units_.end()) return false;
-  const std::string key = *it;
-  units_.erase(it);
+  const std::string key = KeyOf(fileName);
+  if (!project_.Remove(key)) return false;
   std::erase(parseFiles_, key);
   Broadcast(TFileNotification::RemovedFromProject, key);
   if (!addInManager_) StartParse();
@@ -622,13 +611,7 @@ bool TQtIDE::RemoveFromProject(const std::string& fileName) {
 }
 
 bool TQtIDE::EnumProjectUnits(const TProjectUnitCallback& callback) {
-  if (projectFile_.empty()) return false;
-  // The project file comes first, as it is a unit of the project too.
-  if (!callback(projectFile_, UnitNameOf(projectFile_))) return true;
-  const std::vector<std::string> units = units_;
-  for (const std::string& unit : units)
-    if (!callback(unit, UnitNameOf(unit))) break;
-  return true;
+  return project_.Enum(callback);
 }
 
 // ---- files and editors ----
@@ -752,7 +735,8 @@ bool TQtIDE::GoTo(const std::string& fileName, int line) {
 
 TIModule* TQtIDE::GetModule(const std::string& fileName) {
   TQtModule* module = ModuleOf(fileName);
-  if (!module && projectModule_ && KeyOf(fileName) == projectFile_) module = projectModule_.Get();
+  if (!module && projectModule_ && KeyOf(fileName) == project_.FileName())
+    module = projectModule_.Get();
   return TIRef<TIModule>::Share(module).Detach();
 }
 
@@ -827,17 +811,18 @@ void TQtIDE::CmdGoToLine() {
 }
 
 void TQtIDE::CmdAddToProject() {
-  if (projectFile_.empty()) return;
+  if (!project_.IsOpen()) return;
   const QStringList paths = QFileDialog::getOpenFileNames(
-      window_.get(), QStringLiteral("Add to Project"), QFileInfo(Latin1(projectFile_)).path(),
+      window_.get(), QStringLiteral("Add to Project"),
+      QFileInfo(Latin1(project_.FileName())).path(),
       QStringLiteral("Sources (*.cpp *.c *.pas *.pp);;All files (*)"));
   for (const QString& path : paths) AddToProject(path.toStdString());
 }
 
 void TQtIDE::CmdRemoveFromProject() {
-  if (units_.empty()) return;
+  if (project_.Units().empty()) return;
   QStringList names;
-  for (const std::string& unit : units_) names << Latin1(unit);
+  for (const std::string& unit : project_.Units()) names << Latin1(unit);
   bool ok = false;
   const QString unit = QInputDialog::getItem(window_.get(), QStringLiteral("Remove From Project"),
                                              QStringLiteral("Unit:"), names, 0, false, &ok);

@@ -27,6 +27,7 @@
 #include "ide/expert.h"
 #include "ide/main_thread_queue.h"
 #include "ide/notifiers.h"
+#include "ide/project_units.h"
 #include "ide/tool_services.h"
 #include "settings/vl_settings.h"
 
@@ -107,7 +108,7 @@ class TQtIDE : public TIToolServices {
   // ---- TIToolServices ----
   bool OpenFile(const std::string& fileName) override;
   bool ReloadFile(const std::string& fileName) override;
-  std::string ProjectName() override { return projectFile_; }
+  std::string ProjectName() override { return project_.FileName(); }
   std::string CurrentFile() override;
   bool IsFileOpen(const std::string& fileName) override;
   TIModule* GetModule(const std::string& fileName) override;
@@ -171,9 +172,8 @@ class TQtIDE : public TIToolServices {
   TAddInExperts experts_;
   std::vector<std::string> reports_;
 
-  std::string projectFile_;  ///< "" when no project is open
+  TProjectUnits project_;
   std::string projectName_;
-  std::vector<std::string> units_;       ///< the project's units, in project order
   std::vector<std::string> parseFiles_;  ///< units and their headers: what the view shows
   TIRef<TQtModule> projectModule_;       ///< set while a project is open
   std::map<std::string, TIRef<TQtModule>> modules_;  ///< open files by KeyOf
