@@ -99,39 +99,21 @@ class THeadlessView : public TIEditView {
 }  // namespace
 
 TIEditor* THeadlessModule::GetEditor() {
-  if (!buffer_) return nullptr;
-  return new THeadlessEditor(buffer_);
+  if (!Buffer()) return nullptr;
+  return new THeadlessEditor(Buffer());
 }
 
 TIEditor* THeadlessModule::GetEditorOfFile(const std::string& fileName) {
   ++EditorOfFileCalls;
   // Each file is a module of its own here; the module shows no other file.
-  if (!buffer_ || !SameText(ToPosixSeparators(fileName), ToPosixSeparators(buffer_->FileName)))
-    return nullptr;
-  return new THeadlessEditor(buffer_);
-}
-
-bool THeadlessModule::AddNotifier(TIModuleNotifier* notifier) {
-  return notifiers_.Add(notifier);
-}
-
-bool THeadlessModule::RemoveNotifier(TIModuleNotifier* notifier) {
-  return notifiers_.Remove(notifier);
-}
-
-void THeadlessModule::Notify(TModuleNotification code) {
-  notifiers_.Notify(code, *this);
+  if (!ShowsFile(fileName)) return nullptr;
+  return new THeadlessEditor(Buffer());
 }
 
 void THeadlessModule::Close() {
   TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  notifiers_.Close(*this);
-  buffer_.reset();
-}
-
-void THeadlessModule::SetFileName(std::string fileName) {
-  fileName_ = std::move(fileName);
-  if (buffer_) buffer_->FileName = fileName_;
+  CloseNotifiers();
+  DropBuffer();
 }
 
 TIEditReader* THeadlessEditor::CreateReader() {

@@ -185,35 +185,17 @@ void TQtBuffer::SetSaved() {
 }
 
 TIEditor* TQtModule::GetEditor() {
-  return buffer_ ? new TQtEditor(buffer_) : nullptr;
+  return Buffer() ? new TQtEditor(Buffer()) : nullptr;
 }
 
 TIEditor* TQtModule::GetEditorOfFile(const std::string& fileName) {
   // Each file has a module of its own here; the module shows no other file.
-  if (!buffer_ || !SameText(ToPosixSeparators(fileName), ToPosixSeparators(buffer_->FileName)))
-    return nullptr;
-  return new TQtEditor(buffer_);
-}
-
-bool TQtModule::AddNotifier(TIModuleNotifier* notifier) {
-  return notifiers_.Add(notifier);
-}
-
-bool TQtModule::RemoveNotifier(TIModuleNotifier* notifier) {
-  return notifiers_.Remove(notifier);
-}
-
-void TQtModule::Notify(TModuleNotification code) {
-  notifiers_.Notify(code, *this);
+  if (!ShowsFile(fileName)) return nullptr;
+  return new TQtEditor(Buffer());
 }
 
 void TQtModule::Close() {
-  notifiers_.Close(*this);
-}
-
-void TQtModule::SetFileName(std::string fileName) {
-  fileName_ = std::move(fileName);
-  if (buffer_) buffer_->FileName = fileName_;
+  CloseNotifiers();
 }
 
 }  // namespace velmora
