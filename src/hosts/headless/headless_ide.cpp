@@ -72,16 +72,8 @@ void THeadlessIDE::BuildComponents() {
   editor->Add("TPopupMenu", "MsgViewPopupMenu");
 }
 
-bool THeadlessIDE::LoadAddIn(TExpertInitProc entry) {
-  return experts_.Load(this, entry, [this](const std::string& m) { ReportException(m); });
-}
-
 void THeadlessIDE::UnloadAddIns() {
-  experts_.Unload();
-}
-
-void THeadlessIDE::ReportException(const std::string& message) {
-  reports_.push_back(message);
+  UnloadExperts();
 }
 
 std::string THeadlessIDE::KeyOf(const std::string& fileName) const {
@@ -92,10 +84,6 @@ std::string THeadlessIDE::KeyOf(const std::string& fileName) const {
 THeadlessModule* THeadlessIDE::ModuleOf(const std::string& fileName) const {
   auto it = modules_.find(KeyOf(fileName));
   return it == modules_.end() ? nullptr : it->second.Get();
-}
-
-void THeadlessIDE::Broadcast(TFileNotification code, const std::string& fileName) {
-  notifiers_.Broadcast(code, fileName, [this](const std::string& m) { ReportException(m); });
 }
 
 // ---- the project ----
@@ -146,10 +134,6 @@ bool THeadlessIDE::RemoveFromProject(const std::string& fileName) {
   if (!project_.Remove(key)) return false;
   Broadcast(TFileNotification::RemovedFromProject, key);
   return true;
-}
-
-bool THeadlessIDE::EnumProjectUnits(const TProjectUnitCallback& callback) {
-  return project_.Enum(callback);
 }
 
 // ---- files and buffers ----
@@ -274,14 +258,6 @@ TIModule* THeadlessIDE::GetModule(const std::string& fileName) {
 
 TIMainMenu* THeadlessIDE::GetMainMenu() {
   return new THeadlessMainMenu(menuBar_.Get());
-}
-
-bool THeadlessIDE::AddNotifier(TIAddInNotifier* notifier) {
-  return notifiers_.Add(notifier);
-}
-
-bool THeadlessIDE::RemoveNotifier(TIAddInNotifier* notifier) {
-  return notifiers_.Remove(notifier);
 }
 
 }  // namespace velmora

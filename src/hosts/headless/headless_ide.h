@@ -15,15 +15,11 @@
 #include <string>
 #include <vector>
 
-#include "ide/addin_experts.h"
-#include "ide/addin_notifier_list.h"
 #include "ide/component.h"
 #include "ide/editor.h"
 #include "ide/expert.h"
-#include "ide/main_thread_queue.h"
 #include "ide/notifiers.h"
-#include "ide/project_units.h"
-#include "ide/tool_services.h"
+#include "ide/tool_services_base.h"
 #include "support/text_buffer.h"
 
 namespace velmora {
@@ -42,7 +38,7 @@ struct THeadlessBuffer {
   TEditPos TopLeft{1, 1};
 };
 
-class THeadlessIDE : public TIToolServices {
+class THeadlessIDE : public TToolServicesBase {
  public:
   THeadlessIDE();
   ~THeadlessIDE() override;
@@ -50,16 +46,9 @@ class THeadlessIDE : public TIToolServices {
   THeadlessIDE& operator=(const THeadlessIDE&) = delete;
 
   // ---- the add-in ----
-  /// Calls an add-in's entry point with these services; the experts it registers are
-  /// held until UnloadAddIns. Returns the entry's result.
-  bool LoadAddIn(TExpertInitProc entry);
   /// Releases the registered experts, last first, then calls the add-ins' terminate
   /// procedures. Also done by the destructor.
   void UnloadAddIns();
-  int ExpertCount() const { return experts_.Count(); }
-  TIExpert* Expert(int index) const { return experts_.At(index); }
-  /// Messages given to ReportException, oldest first.
-  const std::vector<std::string>& Reports() const { return reports_; }
 
   // ---- the project ----
   /// Closes the open project, then opens this one: `unitPaths` in project order. Sends
@@ -102,35 +91,22 @@ class THeadlessIDE : public TIToolServices {
   // ---- TIToolServices ----
   bool OpenFile(const std::string& fileName) override;
   bool ReloadFile(const std::string& fileName) override;
-  std::string ProjectName() override { return project_.FileName(); }
   std::string CurrentFile() override { return currentFile_; }
   bool IsFileOpen(const std::string& fileName) override;
   TIModule* GetModule(const std::string& fileName) override;
   TIMainMenu* GetMainMenu() override;
-  bool AddNotifier(TIAddInNotifier* notifier) override;
-  bool RemoveNotifier(TIAddInNotifier* notifier) override;
-  void ReportException(const std::string& message) override;
-  bool EnumProjectUnits(const TProjectUnitCallback& callback) override;
-  TMainThreadQueue& MainThreadQueue() override { return queue_; }
   TIComponent& Application() override { return application_; }
 
  private:
   /// The name an open file is kept under: the existing file it names, else as given.
   std::string KeyOf(const std::string& fileName) const;
   THeadlessModule* ModuleOf(const std::string& fileName) const;
-  void Broadcast(TFileNotification code, const std::string& fileName);
   void BuildMenu();
   void BuildComponents();
 
-  TMainThreadQueue queue_;
   TComponent application_{"TApplication", "Application"};
   TIRef<THeadlessMenuItem> menuBar_;
-  std::vector<TIRef<THeadlessMenuItem>> ownItems_;  ///< the IDE's own menu items
-  TAddInNotifierList notifiers_;
-  TAddInExperts experts_;
-  std::vector<std::string> reports_;
-
-  TProjectUnits project_;
+  std::vector<TIRef<THeadlessMenuItem>> ownItems_;         ///< the IDE's own menu items
   TIRef<THeadlessModule> projectModule_;                   ///< set while a project is open
   std::map<std::string, TIRef<THeadlessModule>> modules_;  ///< open files by KeyOf
   std::string currentFile_;

@@ -468,17 +468,13 @@ void TQtIDE::ShowAddInModel() {
                         .ExternalFiles = &addInManager_->ExternalFiles()});
 }
 
-bool TQtIDE::LoadAddIn(TExpertInitProc entry) {
-  return experts_.Load(this, entry, [this](const std::string& m) { ReportException(m); });
-}
-
 void TQtIDE::UnloadAddIns() {
   DisconnectAddInModel();
-  experts_.Unload();
+  UnloadExperts();
 }
 
 void TQtIDE::ReportException(const std::string& message) {
-  reports_.push_back(message);
+  TToolServicesBase::ReportException(message);
   if (!messages_) return;
   auto* item = new QListWidgetItem(window_->style()->standardIcon(QStyle::SP_MessageBoxCritical),
                                    Latin1(message), messages_);
@@ -493,10 +489,6 @@ std::string TQtIDE::KeyOf(const std::string& fileName) const {
 TQtModule* TQtIDE::ModuleOf(const std::string& fileName) const {
   auto it = modules_.find(KeyOf(fileName));
   return it == modules_.end() ? nullptr : it->second.Get();
-}
-
-void TQtIDE::Broadcast(TFileNotification code, const std::string& fileName) {
-  notifiers_.Broadcast(code, fileName, [this](const std::string& m) { ReportException(m); });
 }
 
 // ---- the project ----
@@ -608,10 +600,6 @@ bool TQtIDE::RemoveFromProject(const std::string& fileName) {
   Broadcast(TFileNotification::RemovedFromProject, key);
   if (!addInManager_) StartParse();
   return true;
-}
-
-bool TQtIDE::EnumProjectUnits(const TProjectUnitCallback& callback) {
-  return project_.Enum(callback);
 }
 
 // ---- files and editors ----
@@ -742,14 +730,6 @@ TIModule* TQtIDE::GetModule(const std::string& fileName) {
 
 TIMainMenu* TQtIDE::GetMainMenu() {
   return new TQtMainMenu(menuBar_.Get());
-}
-
-bool TQtIDE::AddNotifier(TIAddInNotifier* notifier) {
-  return notifiers_.Add(notifier);
-}
-
-bool TQtIDE::RemoveNotifier(TIAddInNotifier* notifier) {
-  return notifiers_.Remove(notifier);
 }
 
 // ---- menu commands ----
