@@ -11,26 +11,6 @@
 #include "support/stream.h"
 
 namespace velmora {
-namespace {
-
-// The experts of the host whose LoadAddIn is running: the registration procedure is a
-// plain function, as a library's entry point gets it, so it finds its host's list here.
-thread_local std::vector<TIExpert*>* loadingExperts = nullptr;
-
-bool RegisterExpert(TIExpert* expert) {
-  if (!loadingExperts || !expert) return false;
-  loadingExperts->push_back(expert);
-  return true;
-}
-
-std::string UnitNameOf(const std::string& fileName) {
-  std::string_view name = ExtractFileName(fileName);
-  name.remove_suffix(ExtractFileExt(name).size());
-  return std::string(name);
-}
-
-}  // namespace
-
 THeadlessIDE::THeadlessIDE() {
   BuildMenu();
   BuildComponents();
@@ -92,32 +72,8 @@ void THeadlessIDE::BuildComponents() {
   editor->Add("TPopupMenu", "MsgViewPopupMenu");
 }
 
-bool THeadlessIDE::LoadAddIn(TExpertInitProc entry) {
-  TExpertTerminateProc terminate = nullptr;
-  std::vector<TIExpert*>* outerExperts = std::exchange(loadingExperts, &experts_);
-  bool result = false;
-  try {
-    result = entry(this, &RegisterExpert, &terminate);
-  } catch (const std::exception& e) {
-    ReportException(e.what());
-  }
-  loadingExperts = outerExperts;
-  if (terminate) terminates_.push_back(terminate);
-  return result;
-}
-
 void THeadlessIDE::UnloadAddIns() {
-  while (!experts_.empty()) {
-    TIExpert* expert = experts_.back();
-    experts_.pop_back();
-    expert->Release();
-  }
-  for (TExpertTerminateProc terminate : terminates_) terminate();
-  terminates_.clear();
-}
-
-void THeadlessIDE::ReportException(const std::string& message) {
-  reports_.push_back(message);
+  UnloadExperts();
 }
 
 std::string THeadlessIDE::KeyOf(const std::string& fileName) const {
@@ -130,44 +86,24 @@ THeadlessModule* THeadlessIDE::ModuleOf(const std::string& fileName) const {
   return it == modules_.end() ? nullptr : it->second.Get();
 }
 
-void THeadlessIDE::Broadcast(TFileNotification code, const std::string& fileName) {
-  const std::vector<TIAddInNotifier*> notifiers = notifiers_;
-  for (TIAddInNotifier* n : notifiers) {
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    bool cancel = false;
-    // A notifier must not throw; one that does is reported, as an IDE would.
-    try {
-      n->FileNotification(code, fileName, cancel);
-    } catch (const std::exception& e) {
-      ReportException(e.what());
-    }
-  }
-}
-
 // ---- the project ----
 
 void THeadlessIDE::OpenProject(const std::string& projectFile, std::vector<std::string> unitPaths) {
   CloseProject();
   const std::string key = KeyOf(projectFile);
   Broadcast(TFileNotification::ProjectOpening, key);
-  projectFile_ = key;
-  units_.clear();
-  for (std::string& unit : unitPaths) {
-    std::string unitKey = KeyOf(unit);
-    if (std::find(units_.begin(), units_.end(), unitKey) == units_.end())
-      units_.push_back(std::move(unitKey));
-  }
+  project_.Open(key);
+  for (const std::string& unit : unitPaths) project_.Add(KeyOf(unit));
   projectModule_ = TIRef<THeadlessModule>(new THeadlessModule(key, nullptr));
   Broadcast(TFileNotification::ProjectOpened, key);
 }
 
 void THeadlessIDE::CloseProject() {
-  if (projectFile_.empty()) return;
-  Broadcast(TFileNotification::ProjectClosing, projectFile_);
+  if (!project_.IsOpen()) return;
+  Broadcast(TFileNotification::ProjectClosing, project_.FileName());
   TIRef<THeadlessModule> module = std::move(projectModule_);
   if (module) module->Close();
-  projectFile_.clear();
-  units_.clear();
+  project_.Close();
 }
 
 bool THeadlessIDE::SaveProject() {
@@ -179,38 +115,24 @@ bool THeadlessIDE::SaveProject() {
 bool THeadlessIDE::RenameProject(const std::string& newProjectFile) {
   if (!projectModule_) return false;
   TIRef<THeadlessModule> module = projectModule_;
-  projectFile_ = KeyOf(newProjectFile);
-  module->SetFileName(projectFile_);
+  project_.Rename(KeyOf(newProjectFile));
+  module->SetFileName(project_.FileName());
   module->Notify(TModuleNotification::ModuleRenamed);
   module->Notify(TModuleNotification::ModuleSaved);
   return true;
 }
 
 bool THeadlessIDE::AddToProject(const std::string& fileName) {
-  if (projectFile_.empty()) return false;
   const std::string key = KeyOf(fileName);
-  if (std::find(units_.begin(), units_.end(), key) != units_.end()) return false;
-  units_.push_back(key);
+  if (!project_.Add(key)) return false;
   Broadcast(TFileNotification::AddedToProject, key);
   return true;
 }
 
 bool THeadlessIDE::RemoveFromProject(const std::string& fileName) {
-  auto it = std::find(units_.begin(), units_.end(), KeyOf(fileName));
-  if (it == units_.end()) return false;
-  const std::string key = *it;
-  units_.erase(it);
+  const std::string key = KeyOf(fileName);
+  if (!project_.Remove(key)) return false;
   Broadcast(TFileNotification::RemovedFromProject, key);
-  return true;
-}
-
-bool THeadlessIDE::EnumProjectUnits(const TProjectUnitCallback& callback) {
-  if (projectFile_.empty()) return false;
-  // The project file comes first, as it is a unit of the project too.
-  if (!callback(projectFile_, UnitNameOf(projectFile_))) return true;
-  const std::vector<std::string> units = units_;
-  for (const std::string& unit : units)
-    if (!callback(unit, UnitNameOf(unit))) break;
   return true;
 }
 
@@ -329,26 +251,13 @@ bool THeadlessIDE::SetCurrentFile(const std::string& fileName) {
 
 TIModule* THeadlessIDE::GetModule(const std::string& fileName) {
   THeadlessModule* module = ModuleOf(fileName);
-  if (!module && projectModule_ && KeyOf(fileName) == projectFile_) module = projectModule_.Get();
+  if (!module && projectModule_ && KeyOf(fileName) == project_.FileName())
+    module = projectModule_.Get();
   return TIRef<TIModule>::Share(module).Detach();
 }
 
 TIMainMenu* THeadlessIDE::GetMainMenu() {
   return new THeadlessMainMenu(menuBar_.Get());
-}
-
-bool THeadlessIDE::AddNotifier(TIAddInNotifier* notifier) {
-  if (!notifier || std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end())
-    return false;
-  notifiers_.push_back(notifier);
-  return true;
-}
-
-bool THeadlessIDE::RemoveNotifier(TIAddInNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
 }
 
 }  // namespace velmora

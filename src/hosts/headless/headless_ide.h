@@ -18,9 +18,8 @@
 #include "ide/component.h"
 #include "ide/editor.h"
 #include "ide/expert.h"
-#include "ide/main_thread_queue.h"
 #include "ide/notifiers.h"
-#include "ide/tool_services.h"
+#include "ide/tool_services_base.h"
 #include "support/text_buffer.h"
 
 namespace velmora {
@@ -39,7 +38,7 @@ struct THeadlessBuffer {
   TEditPos TopLeft{1, 1};
 };
 
-class THeadlessIDE : public TIToolServices {
+class THeadlessIDE : public TToolServicesBase {
  public:
   THeadlessIDE();
   ~THeadlessIDE() override;
@@ -47,16 +46,9 @@ class THeadlessIDE : public TIToolServices {
   THeadlessIDE& operator=(const THeadlessIDE&) = delete;
 
   // ---- the add-in ----
-  /// Calls an add-in's entry point with these services; the experts it registers are
-  /// held until UnloadAddIns. Returns the entry's result.
-  bool LoadAddIn(TExpertInitProc entry);
   /// Releases the registered experts, last first, then calls the add-ins' terminate
   /// procedures. Also done by the destructor.
   void UnloadAddIns();
-  int ExpertCount() const { return static_cast<int>(experts_.size()); }
-  TIExpert* Expert(int index) const { return experts_[static_cast<size_t>(index)]; }
-  /// Messages given to ReportException, oldest first.
-  const std::vector<std::string>& Reports() const { return reports_; }
 
   // ---- the project ----
   /// Closes the open project, then opens this one: `unitPaths` in project order. Sends
@@ -74,7 +66,7 @@ class THeadlessIDE : public TIToolServices {
   bool AddToProject(const std::string& fileName);
   /// Removes a unit (RemovedFromProject); false when it is not one.
   bool RemoveFromProject(const std::string& fileName);
-  const std::vector<std::string>& Units() const { return units_; }
+  const std::vector<std::string>& Units() const { return project_.Units(); }
 
   // ---- files and buffers ----
   /// Closes the buffer (FileClosing, then ModuleDeleted to its notifiers); unsaved
@@ -99,38 +91,23 @@ class THeadlessIDE : public TIToolServices {
   // ---- TIToolServices ----
   bool OpenFile(const std::string& fileName) override;
   bool ReloadFile(const std::string& fileName) override;
-  std::string ProjectName() override { return projectFile_; }
   std::string CurrentFile() override { return currentFile_; }
   bool IsFileOpen(const std::string& fileName) override;
   TIModule* GetModule(const std::string& fileName) override;
   TIMainMenu* GetMainMenu() override;
-  bool AddNotifier(TIAddInNotifier* notifier) override;
-  bool RemoveNotifier(TIAddInNotifier* notifier) override;
-  void ReportException(const std::string& message) override;
-  bool EnumProjectUnits(const TProjectUnitCallback& callback) override;
-  TMainThreadQueue& MainThreadQueue() override { return queue_; }
   TIComponent& Application() override { return application_; }
 
  private:
   /// The name an open file is kept under: the existing file it names, else as given.
   std::string KeyOf(const std::string& fileName) const;
   THeadlessModule* ModuleOf(const std::string& fileName) const;
-  void Broadcast(TFileNotification code, const std::string& fileName);
   void BuildMenu();
   void BuildComponents();
 
-  TMainThreadQueue queue_;
   TComponent application_{"TApplication", "Application"};
   TIRef<THeadlessMenuItem> menuBar_;
-  std::vector<TIRef<THeadlessMenuItem>> ownItems_;  ///< the IDE's own menu items
-  std::vector<TIAddInNotifier*> notifiers_;         ///< registered; owned by the add-ins
-  std::vector<TIExpert*> experts_;                  ///< one reference each
-  std::vector<TExpertTerminateProc> terminates_;
-  std::vector<std::string> reports_;
-
-  std::string projectFile_;               ///< "" when no project is open
-  std::vector<std::string> units_;        ///< the project's units, in project order
-  TIRef<THeadlessModule> projectModule_;  ///< set while a project is open
+  std::vector<TIRef<THeadlessMenuItem>> ownItems_;         ///< the IDE's own menu items
+  TIRef<THeadlessModule> projectModule_;                   ///< set while a project is open
   std::map<std::string, TIRef<THeadlessModule>> modules_;  ///< open files by KeyOf
   std::string currentFile_;
 };

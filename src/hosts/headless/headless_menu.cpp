@@ -86,12 +86,4 @@ std::string THeadlessMenuItem::Dump(int depth) const {
   return out;
 }
 
-TIMenuItem* THeadlessMainMenu::MenuItems() {
-  return TIRef<TIMenuItem>::Share(bar_.Get()).Detach();
-}
-
-TIMenuItem* THeadlessMainMenu::FindMenuItem(const std::string& name) {
-  return TIRef<TIMenuItem>::Share(bar_->Find(name)).Detach();
-}
-
 }  // namespace velmora

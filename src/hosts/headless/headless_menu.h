@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "ide/main_menu_of.h"
 #include "ide/menus.h"
 
 namespace velmora {
@@ -53,15 +54,6 @@ class THeadlessMenuItem : public TIMenuItem {
   std::vector<THeadlessMenuItem*> items_;  ///< not counted: each child unlinks itself when freed
 };
 
-class THeadlessMainMenu : public TIMainMenu {
- public:
-  /// Shares `bar`, which the host keeps.
-  explicit THeadlessMainMenu(THeadlessMenuItem* bar) : bar_(TIRef<THeadlessMenuItem>::Share(bar)) {}
-  TIMenuItem* MenuItems() override;
-  TIMenuItem* FindMenuItem(const std::string& name) override;
-
- private:
-  TIRef<THeadlessMenuItem> bar_;
-};
+using THeadlessMainMenu = TMainMenuOf<THeadlessMenuItem>;
 
 }  // namespace velmora

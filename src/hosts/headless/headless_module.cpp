@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ide/edit_writer_base.h"
 #include "support/ansi.h"
 #include "support/paths.h"
 
@@ -28,48 +29,25 @@ class THeadlessReader : public TIEditReader {
 // Builds the new text aside and puts it into the buffer in one step when released, so
 // that a generator that gives up half way (and releases its writer after a failed copy)
 // still leaves either all of its change or - when nothing was written - none.
-class THeadlessWriter : public TIEditWriter {
+class THeadlessWriter : public TEditWriterBase {
  public:
   explicit THeadlessWriter(std::shared_ptr<THeadlessBuffer> buffer) : buffer_(std::move(buffer)) {
     buffer_->WriterAlive = true;
   }
   ~THeadlessWriter() override {
-    if (changed_) {
-      out_.append(buffer_->Text, static_cast<size_t>(position_));
-      buffer_->Text = std::move(out_);
+    if (Changed()) {
+      buffer_->Text = TakeResult();
       buffer_->Modified = true;
     }
     buffer_->WriterAlive = false;
   }
-  bool CopyTo(int32_t position) override {
-    if (!Valid(position)) return false;
-    out_.append(buffer_->Text, static_cast<size_t>(position_),
-                static_cast<size_t>(position - position_));
-    position_ = position;
-    return true;
-  }
-  bool DeleteTo(int32_t position) override {
-    if (!Valid(position)) return false;
-    changed_ = changed_ || position > position_;
-    position_ = position;
-    return true;
-  }
-  bool Insert(const char* text) override {
-    if (!text) return false;
-    out_ += text;
-    changed_ = changed_ || *text != '\0';
-    return true;
-  }
-  int32_t Position() override { return position_; }
+
+ protected:
+  // No other writer can change the buffer while this one lives.
+  const std::string& Original() const override { return buffer_->Text; }
 
  private:
-  bool Valid(int32_t position) const {
-    return position >= position_ && static_cast<size_t>(position) <= buffer_->Text.size();
-  }
   std::shared_ptr<THeadlessBuffer> buffer_;
-  std::string out_;       ///< the new text up to position_
-  int32_t position_ = 0;  ///< in the original text; everything before it is in out_ or dropped
-  bool changed_ = false;
 };
 
 // Columns are characters here: the headless buffers show no tabs expanded.
@@ -121,53 +99,21 @@ class THeadlessView : public TIEditView {
 }  // namespace
 
 TIEditor* THeadlessModule::GetEditor() {
-  if (!buffer_) return nullptr;
-  return new THeadlessEditor(buffer_);
+  if (!Buffer()) return nullptr;
+  return new THeadlessEditor(Buffer());
 }
 
 TIEditor* THeadlessModule::GetEditorOfFile(const std::string& fileName) {
   ++EditorOfFileCalls;
   // Each file is a module of its own here; the module shows no other file.
-  if (!buffer_ || !SameText(ToPosixSeparators(fileName), ToPosixSeparators(buffer_->FileName)))
-    return nullptr;
-  return new THeadlessEditor(buffer_);
-}
-
-bool THeadlessModule::AddNotifier(TIModuleNotifier* notifier) {
-  if (!notifier || closed_) return false;
-  if (std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end()) return false;
-  notifiers_.push_back(notifier);
-  return true;
-}
-
-bool THeadlessModule::RemoveNotifier(TIModuleNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
-}
-
-void THeadlessModule::Notify(TModuleNotification code) {
-  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  const std::vector<TIModuleNotifier*> notifiers = notifiers_;
-  for (TIModuleNotifier* n : notifiers) {
-    // One that an earlier notifier detached is not called any more.
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    n->Notify(code, *this);
-  }
+  if (!ShowsFile(fileName)) return nullptr;
+  return new THeadlessEditor(Buffer());
 }
 
 void THeadlessModule::Close() {
   TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  Notify(TModuleNotification::ModuleDeleted);
-  notifiers_.clear();
-  buffer_.reset();
-  closed_ = true;
-}
-
-void THeadlessModule::SetFileName(std::string fileName) {
-  fileName_ = std::move(fileName);
-  if (buffer_) buffer_->FileName = fileName_;
+  CloseNotifiers();
+  DropBuffer();
 }
 
 TIEditReader* THeadlessEditor::CreateReader() {

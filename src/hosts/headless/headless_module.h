@@ -8,37 +8,22 @@
 #include <vector>
 
 #include "hosts/headless/headless_ide.h"
-#include "ide/module.h"
+#include "ide/module_base.h"
 
 namespace velmora {
 
-class THeadlessModule : public TIModule {
+class THeadlessModule : public TModuleBase<THeadlessBuffer> {
  public:
   /// `buffer` is nullptr for the project's module, which has no editor here.
-  THeadlessModule(std::string fileName, std::shared_ptr<THeadlessBuffer> buffer)
-      : fileName_(std::move(fileName)), buffer_(std::move(buffer)) {}
+  using TModuleBase::TModuleBase;
 
   TIEditor* GetEditor() override;
-  bool AddNotifier(TIModuleNotifier* notifier) override;
-  bool RemoveNotifier(TIModuleNotifier* notifier) override;
   TIEditor* GetEditorOfFile(const std::string& fileName) override;
-  std::string FileName() override { return fileName_; }
 
-  /// Sends `code` to every attached notifier (a copy of the list, so a notifier may
-  /// detach itself).
-  void Notify(TModuleNotification code);
   /// ModuleDeleted to every notifier, then detaches them all and drops the buffer.
   void Close();
-  void SetFileName(std::string fileName);
-  const std::shared_ptr<THeadlessBuffer>& Buffer() const { return buffer_; }
   /// Counts GetEditorOfFile calls, for tests of who reads through which editor.
   int EditorOfFileCalls = 0;
-
- private:
-  std::string fileName_;
-  std::shared_ptr<THeadlessBuffer> buffer_;
-  std::vector<TIModuleNotifier*> notifiers_;  ///< attached; owned by the add-in
-  bool closed_ = false;
 };
 
 /// The editor of one buffer.

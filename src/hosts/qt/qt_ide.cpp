@@ -41,22 +41,6 @@
 namespace velmora {
 namespace {
 
-// The experts of the IDE whose LoadAddIn is running: the registration procedure is a
-// plain function, as a library's entry point gets it, so it finds its host's list here.
-thread_local std::vector<TIExpert*>* loadingExperts = nullptr;
-
-bool RegisterExpert(TIExpert* expert) {
-  if (!loadingExperts || !expert) return false;
-  loadingExperts->push_back(expert);
-  return true;
-}
-
-std::string UnitNameOf(const std::string& fileName) {
-  std::string_view name = ExtractFileName(fileName);
-  name.remove_suffix(ExtractFileExt(name).size());
-  return std::string(name);
-}
-
 bool IsPascalFile(const std::string& fileName) {
   const std::string ext = AnsiLowerCase(std::string(ExtractFileExt(fileName)));
   return ext == ".pas" || ext == ".pp" || ext == ".dpr" || ext == ".dpk" || ext == ".lpr" ||
@@ -484,33 +468,13 @@ void TQtIDE::ShowAddInModel() {
                         .ExternalFiles = &addInManager_->ExternalFiles()});
 }
 
-bool TQtIDE::LoadAddIn(TExpertInitProc entry) {
-  TExpertTerminateProc terminate = nullptr;
-  std::vector<TIExpert*>* outerExperts = std::exchange(loadingExperts, &experts_);
-  bool result = false;
-  try {
-    result = entry(this, &RegisterExpert, &terminate);
-  } catch (const std::exception& e) {
-    ReportException(e.what());
-  }
-  loadingExperts = outerExperts;
-  if (terminate) terminates_.push_back(terminate);
-  return result;
-}
-
 void TQtIDE::UnloadAddIns() {
   DisconnectAddInModel();
-  while (!experts_.empty()) {
-    TIExpert* expert = experts_.back();
-    experts_.pop_back();
-    expert->Release();
-  }
-  for (TExpertTerminateProc terminate : terminates_) terminate();
-  terminates_.clear();
+  UnloadExperts();
 }
 
 void TQtIDE::ReportException(const std::string& message) {
-  reports_.push_back(message);
+  TToolServicesBase::ReportException(message);
   if (!messages_) return;
   auto* item = new QListWidgetItem(window_->style()->standardIcon(QStyle::SP_MessageBoxCritical),
                                    Latin1(message), messages_);
@@ -527,20 +491,6 @@ TQtModule* TQtIDE::ModuleOf(const std::string& fileName) const {
   return it == modules_.end() ? nullptr : it->second.Get();
 }
 
-void TQtIDE::Broadcast(TFileNotification code, const std::string& fileName) {
-  const std::vector<TIAddInNotifier*> notifiers = notifiers_;
-  for (TIAddInNotifier* n : notifiers) {
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    bool cancel = false;
-    // A notifier must not throw; one that does is reported, as an IDE would.
-    try {
-      n->FileNotification(code, fileName, cancel);
-    } catch (const std::exception& e) {
-      ReportException(e.what());
-    }
-  }
-}
-
 // ---- the project ----
 
 bool TQtIDE::OpenProjectFile(const std::string& path) {
@@ -554,10 +504,10 @@ bool TQtIDE::OpenProjectFile(const std::string& path) {
   CloseProject();
   const std::string key = KeyOf(project.FileName);
   Broadcast(TFileNotification::ProjectOpening, key);
-  projectFile_ = key;
+  project_.Open(key);
   projectName_ = std::string(ExtractFileName(key));
   for (const TProjectUnit& unit : project.Units) {
-    units_.push_back(KeyOf(unit.FileName));
+    project_.Add(KeyOf(unit.FileName));
     parseFiles_.push_back(unit.FileName);
     if (!unit.Header.empty()) parseFiles_.push_back(unit.Header);
   }
@@ -569,7 +519,7 @@ bool TQtIDE::OpenProjectFile(const std::string& path) {
            .arg(QString::fromLatin1(ProjectKindName(project.Kind)), Latin1(projectName_))
            .arg(project.Units.size()));
   for (const std::string& warning : project.Warnings) Info(Latin1(warning));
-  if (!units_.empty()) OpenFile(units_.front());
+  if (!project_.Units().empty()) OpenFile(project_.Units().front());
   StartParse();
   return true;
 }
@@ -616,13 +566,12 @@ void TQtIDE::WaitUntilParsed() {
 }
 
 void TQtIDE::CloseProject() {
-  if (projectFile_.empty()) return;
-  Broadcast(TFileNotification::ProjectClosing, projectFile_);
+  if (!project_.IsOpen()) return;
+  Broadcast(TFileNotification::ProjectClosing, project_.FileName());
   TIRef<TQtModule> module = std::move(projectModule_);
   if (module) module->Close();
-  projectFile_.clear();
+  project_.Close();
   projectName_.clear();
-  units_.clear();
   parseFiles_.clear();
   // The view lets go of the IDE's own lists before they are freed; the add-in's stay.
   if (addInManager_)
@@ -636,10 +585,8 @@ void TQtIDE::CloseProject() {
 }
 
 bool TQtIDE::AddToProject(const std::string& fileName) {
-  if (projectFile_.empty()) return false;
   const std::string key = KeyOf(fileName);
-  if (std::find(units_.begin(), units_.end(), key) != units_.end()) return false;
-  units_.push_back(key);
+  if (!project_.Add(key)) return false;
   parseFiles_.push_back(key);
   Broadcast(TFileNotification::AddedToProject, key);
   if (!addInManager_) StartParse();
@@ -647,23 +594,11 @@ bool TQtIDE::AddToProject(const std::string& fileName) {
 }
 
 bool TQtIDE::RemoveFromProject(const std::string& fileName) {
-  auto it = std::find(units_.begin(), units_.end(), KeyOf(fileName));
-  if (it == units_.end()) return false;
-  const std::string key = *it;
-  units_.erase(it);
+  const std::string key = KeyOf(fileName);
+  if (!project_.Remove(key)) return false;
   std::erase(parseFiles_, key);
   Broadcast(TFileNotification::RemovedFromProject, key);
   if (!addInManager_) StartParse();
-  return true;
-}
-
-bool TQtIDE::EnumProjectUnits(const TProjectUnitCallback& callback) {
-  if (projectFile_.empty()) return false;
-  // The project file comes first, as it is a unit of the project too.
-  if (!callback(projectFile_, UnitNameOf(projectFile_))) return true;
-  const std::vector<std::string> units = units_;
-  for (const std::string& unit : units)
-    if (!callback(unit, UnitNameOf(unit))) break;
   return true;
 }
 
@@ -788,26 +723,13 @@ bool TQtIDE::GoTo(const std::string& fileName, int line) {
 
 TIModule* TQtIDE::GetModule(const std::string& fileName) {
   TQtModule* module = ModuleOf(fileName);
-  if (!module && projectModule_ && KeyOf(fileName) == projectFile_) module = projectModule_.Get();
+  if (!module && projectModule_ && KeyOf(fileName) == project_.FileName())
+    module = projectModule_.Get();
   return TIRef<TIModule>::Share(module).Detach();
 }
 
 TIMainMenu* TQtIDE::GetMainMenu() {
   return new TQtMainMenu(menuBar_.Get());
-}
-
-bool TQtIDE::AddNotifier(TIAddInNotifier* notifier) {
-  if (!notifier || std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end())
-    return false;
-  notifiers_.push_back(notifier);
-  return true;
-}
-
-bool TQtIDE::RemoveNotifier(TIAddInNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
 }
 
 // ---- menu commands ----
@@ -869,17 +791,18 @@ void TQtIDE::CmdGoToLine() {
 }
 
 void TQtIDE::CmdAddToProject() {
-  if (projectFile_.empty()) return;
+  if (!project_.IsOpen()) return;
   const QStringList paths = QFileDialog::getOpenFileNames(
-      window_.get(), QStringLiteral("Add to Project"), QFileInfo(Latin1(projectFile_)).path(),
+      window_.get(), QStringLiteral("Add to Project"),
+      QFileInfo(Latin1(project_.FileName())).path(),
       QStringLiteral("Sources (*.cpp *.c *.pas *.pp);;All files (*)"));
   for (const QString& path : paths) AddToProject(path.toStdString());
 }
 
 void TQtIDE::CmdRemoveFromProject() {
-  if (units_.empty()) return;
+  if (project_.Units().empty()) return;
   QStringList names;
-  for (const std::string& unit : units_) names << Latin1(unit);
+  for (const std::string& unit : project_.Units()) names << Latin1(unit);
   bool ok = false;
   const QString unit = QInputDialog::getItem(window_.get(), QStringLiteral("Remove From Project"),
                                              QStringLiteral("Unit:"), names, 0, false, &ok);

@@ -23,9 +23,8 @@
 #include "hosts/qt/qt_menu.h"
 #include "hosts/qt/qt_module.h"
 #include "ide/expert.h"
-#include "ide/main_thread_queue.h"
 #include "ide/notifiers.h"
-#include "ide/tool_services.h"
+#include "ide/tool_services_base.h"
 #include "settings/vl_settings.h"
 
 class QLabel;
@@ -45,7 +44,7 @@ class TModelViewListener;
 class TProjectModel;
 class TVLManager;
 
-class TQtIDE : public TIToolServices {
+class TQtIDE : public TToolServicesBase {
  public:
   TQtIDE();
   ~TQtIDE() override;
@@ -56,16 +55,11 @@ class TQtIDE : public TIToolServices {
   /// Loads a shared library and calls its INITEXPERT0017; false (the reason reported)
   /// when it cannot be loaded or has no such entry.
   bool LoadAddInLibrary(const std::string& path);
-  /// Calls an entry point with these services; its experts are held until UnloadAddIns.
-  bool LoadAddIn(TExpertInitProc entry);
   /// Releases the experts, last first, then calls the add-ins' terminate procedures.
   void UnloadAddIns();
-  int ExpertCount() const { return static_cast<int>(experts_.size()); }
   /// The manager of the add-in loaded from a library, whose model the class view shows;
   /// null without one (the class view then shows the IDE's own parse).
   TVLManager* AddInManager() const { return addInManager_; }
-  /// Messages given to ReportException, oldest first (also shown in the message view).
-  const std::vector<std::string>& Reports() const { return reports_; }
 
   // ---- the project ----
   /// Opens a project of any kind the readers know (or a folder); false (reported) when it
@@ -105,22 +99,17 @@ class TQtIDE : public TIToolServices {
   // ---- TIToolServices ----
   bool OpenFile(const std::string& fileName) override;
   bool ReloadFile(const std::string& fileName) override;
-  std::string ProjectName() override { return projectFile_; }
   std::string CurrentFile() override;
   bool IsFileOpen(const std::string& fileName) override;
   TIModule* GetModule(const std::string& fileName) override;
   TIMainMenu* GetMainMenu() override;
-  bool AddNotifier(TIAddInNotifier* notifier) override;
-  bool RemoveNotifier(TIAddInNotifier* notifier) override;
+  /// Also shows the message in the message view.
   void ReportException(const std::string& message) override;
-  bool EnumProjectUnits(const TProjectUnitCallback& callback) override;
-  TMainThreadQueue& MainThreadQueue() override { return queue_; }
   TIComponent& Application() override { return components_; }
 
  private:
   std::string KeyOf(const std::string& fileName) const;
   TQtModule* ModuleOf(const std::string& fileName) const;
-  void Broadcast(TFileNotification code, const std::string& fileName);
   void BuildWindows();
   void BuildMenu();
   /// A top-level menu with its items; `items` as caption, name, handler.
@@ -148,7 +137,6 @@ class TQtIDE : public TIToolServices {
   void CmdRemoveFromProject();
   void CmdAbout();
 
-  TMainThreadQueue queue_;
   TQtComponentTree components_;
   TVLSettings settings_;  ///< what the class view's display forms read
   std::unique_ptr<QMainWindow> window_;
@@ -165,14 +153,8 @@ class TQtIDE : public TIToolServices {
 
   TIRef<TQtMenuItem> menuBar_;
   std::vector<TIRef<TQtMenuItem>> ownItems_;  ///< the IDE's own menu items
-  std::vector<TIAddInNotifier*> notifiers_;   ///< registered; owned by the add-ins
-  std::vector<TIExpert*> experts_;            ///< one reference each
-  std::vector<TExpertTerminateProc> terminates_;
-  std::vector<std::string> reports_;
 
-  std::string projectFile_;  ///< "" when no project is open
   std::string projectName_;
-  std::vector<std::string> units_;       ///< the project's units, in project order
   std::vector<std::string> parseFiles_;  ///< units and their headers: what the view shows
   TIRef<TQtModule> projectModule_;       ///< set while a project is open
   std::map<std::string, TIRef<TQtModule>> modules_;  ///< open files by KeyOf

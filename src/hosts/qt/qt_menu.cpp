@@ -137,12 +137,4 @@ TQtMenuItem* TQtMenuItem::Find(const std::string& name) {
   return nullptr;
 }
 
-TIMenuItem* TQtMainMenu::MenuItems() {
-  return TIRef<TIMenuItem>::Share(bar_.Get()).Detach();
-}
-
-TIMenuItem* TQtMainMenu::FindMenuItem(const std::string& name) {
-  return TIRef<TIMenuItem>::Share(bar_->Find(name)).Detach();
-}
-
 }  // namespace velmora

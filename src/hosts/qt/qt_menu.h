@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "ide/main_menu_of.h"
 #include "ide/menus.h"
 
 class QAction;
@@ -66,15 +67,7 @@ class TQtMenuItem : public TIMenuItem {
   bool ownAction_ = false;           ///< action_ is ours (not the menu's own action)
 };
 
-class TQtMainMenu : public TIMainMenu {
- public:
-  explicit TQtMainMenu(TQtMenuItem* bar) : bar_(TIRef<TQtMenuItem>::Share(bar)) {}
-  TIMenuItem* MenuItems() override;
-  TIMenuItem* FindMenuItem(const std::string& name) override;
-
- private:
-  TIRef<TQtMenuItem> bar_;
-};
+using TQtMainMenu = TMainMenuOf<TQtMenuItem>;
 
 /// The key sequence of a short cut in the IDE's encoding (a virtual key in the low byte,
 /// Shift 0x2000, Ctrl 0x4000, Alt 0x8000); empty for 0 or a key Qt has no name for.

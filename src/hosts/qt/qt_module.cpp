@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ide/edit_writer_base.h"
 #include "support/ansi.h"
 #include "support/paths.h"
 
@@ -39,58 +40,35 @@ class TQtReader : public TIEditReader {
 // Builds the new text aside and puts it into the editor in one undoable step when
 // released: a generator that gives up half way leaves either all of its change or none.
 // Only the part that differs is replaced, so the editor keeps its place and folds.
-class TQtWriter : public TIEditWriter {
+class TQtWriter : public TEditWriterBase {
  public:
   explicit TQtWriter(std::shared_ptr<TQtBuffer> buffer)
       : buffer_(std::move(buffer)), original_(buffer_->Text()) {
     buffer_->WriterAlive = true;
   }
   ~TQtWriter() override {
-    if (changed_) {
-      out_.append(original_, static_cast<size_t>(position_));
+    if (Changed()) {
+      const std::string out = TakeResult();
       size_t prefix = 0;
-      const size_t limit = std::min(out_.size(), original_.size());
-      while (prefix < limit && out_[prefix] == original_[prefix]) ++prefix;
+      const size_t limit = std::min(out.size(), original_.size());
+      while (prefix < limit && out[prefix] == original_[prefix]) ++prefix;
       size_t suffix = 0;
       while (suffix < limit - prefix &&
-             out_[out_.size() - 1 - suffix] == original_[original_.size() - 1 - suffix])
+             out[out.size() - 1 - suffix] == original_[original_.size() - 1 - suffix])
         ++suffix;
       buffer_->Replace(static_cast<int32_t>(prefix),
                        static_cast<int32_t>(original_.size() - suffix),
-                       std::string_view(out_).substr(prefix, out_.size() - suffix - prefix));
+                       std::string_view(out).substr(prefix, out.size() - suffix - prefix));
     }
     buffer_->WriterAlive = false;
   }
-  bool CopyTo(int32_t position) override {
-    if (!Valid(position)) return false;
-    out_.append(original_, static_cast<size_t>(position_),
-                static_cast<size_t>(position - position_));
-    position_ = position;
-    return true;
-  }
-  bool DeleteTo(int32_t position) override {
-    if (!Valid(position)) return false;
-    changed_ = changed_ || position > position_;
-    position_ = position;
-    return true;
-  }
-  bool Insert(const char* text) override {
-    if (!text) return false;
-    out_ += text;
-    changed_ = changed_ || *text != '\0';
-    return true;
-  }
-  int32_t Position() override { return position_; }
+
+ protected:
+  const std::string& Original() const override { return original_; }
 
  private:
-  bool Valid(int32_t position) const {
-    return position >= position_ && static_cast<size_t>(position) <= original_.size();
-  }
   std::shared_ptr<TQtBuffer> buffer_;
   const std::string original_;  ///< the text when the writer was made
-  std::string out_;             ///< the new text up to position_
-  int32_t position_ = 0;        ///< in the original text
-  bool changed_ = false;
 };
 
 // Columns of an edit position are the editor's own: tabs expanded to its tab width.
@@ -207,50 +185,17 @@ void TQtBuffer::SetSaved() {
 }
 
 TIEditor* TQtModule::GetEditor() {
-  return buffer_ ? new TQtEditor(buffer_) : nullptr;
+  return Buffer() ? new TQtEditor(Buffer()) : nullptr;
 }
 
 TIEditor* TQtModule::GetEditorOfFile(const std::string& fileName) {
   // Each file has a module of its own here; the module shows no other file.
-  if (!buffer_ || !SameText(ToPosixSeparators(fileName), ToPosixSeparators(buffer_->FileName)))
-    return nullptr;
-  return new TQtEditor(buffer_);
-}
-
-bool TQtModule::AddNotifier(TIModuleNotifier* notifier) {
-  if (!notifier || closed_) return false;
-  if (std::find(notifiers_.begin(), notifiers_.end(), notifier) != notifiers_.end()) return false;
-  notifiers_.push_back(notifier);
-  return true;
-}
-
-bool TQtModule::RemoveNotifier(TIModuleNotifier* notifier) {
-  auto it = std::find(notifiers_.begin(), notifiers_.end(), notifier);
-  if (it == notifiers_.end()) return false;
-  notifiers_.erase(it);
-  return true;
-}
-
-void TQtModule::Notify(TModuleNotification code) {
-  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  const std::vector<TIModuleNotifier*> notifiers = notifiers_;
-  for (TIModuleNotifier* n : notifiers) {
-    // One that an earlier notifier detached is not called any more.
-    if (std::find(notifiers_.begin(), notifiers_.end(), n) == notifiers_.end()) continue;
-    n->Notify(code, *this);
-  }
+  if (!ShowsFile(fileName)) return nullptr;
+  return new TQtEditor(Buffer());
 }
 
 void TQtModule::Close() {
-  TIRef<TIModule> keep = TIRef<TIModule>::Share(this);
-  Notify(TModuleNotification::ModuleDeleted);
-  notifiers_.clear();
-  closed_ = true;
-}
-
-void TQtModule::SetFileName(std::string fileName) {
-  fileName_ = std::move(fileName);
-  if (buffer_) buffer_->FileName = fileName_;
+  CloseNotifiers();
 }
 
 }  // namespace velmora

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "ide/editor.h"
-#include "ide/module.h"
+#include "ide/module_base.h"
 #include "support/text_buffer.h"
 
 class QsciScintilla;
@@ -40,30 +40,16 @@ struct TQtBuffer {
   void SetSaved();
 };
 
-class TQtModule : public TIModule {
+class TQtModule : public TModuleBase<TQtBuffer> {
  public:
   /// A module of an open file (`buffer` set) or of the project (`buffer` null).
-  TQtModule(std::string fileName, std::shared_ptr<TQtBuffer> buffer)
-      : fileName_(std::move(fileName)), buffer_(std::move(buffer)) {}
+  using TModuleBase::TModuleBase;
 
   TIEditor* GetEditor() override;
-  bool AddNotifier(TIModuleNotifier* notifier) override;
-  bool RemoveNotifier(TIModuleNotifier* notifier) override;
   TIEditor* GetEditorOfFile(const std::string& fileName) override;
-  std::string FileName() override { return fileName_; }
 
-  /// Tells every attached notifier.
-  void Notify(TModuleNotification code);
   /// The module's end: ModuleDeleted to its notifiers, which are then detached.
   void Close();
-  void SetFileName(std::string fileName);
-  const std::shared_ptr<TQtBuffer>& Buffer() const { return buffer_; }
-
- private:
-  std::string fileName_;
-  std::shared_ptr<TQtBuffer> buffer_;
-  std::vector<TIModuleNotifier*> notifiers_;  ///< attached; owned by the add-in
-  bool closed_ = false;
 };
 
 }  // namespace velmora
