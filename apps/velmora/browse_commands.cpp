@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 
 #include "browse_common.h"
 #include "class_view_output.h"
@@ -39,13 +40,15 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
       throw TCommandError("no project named and the bundled example is not installed");
   }
   auto session = CreateBrowseSession();
-  TProgressBar bar(true);
+  // The session keeps its callbacks for later parses (watch, code generation), so the bar
+  // lives as long as they do rather than as long as this call.
+  auto bar = std::make_shared<TProgressBar>(true);
   TSessionCallbacks callbacks;
-  callbacks.Progress = [&bar](int done, int total, const std::string& file) {
-    bar.Update(done, total, file);
+  callbacks.Progress = [bar](int done, int total, const std::string& file) {
+    bar->Update(done, total, file);
   };
-  callbacks.Message = [&bar](const std::string& line) {
-    bar.Finish();
+  callbacks.Message = [bar](const std::string& line) {
+    bar->Finish();
     PrintMessage(line);
   };
   try {
@@ -53,7 +56,7 @@ std::unique_ptr<TBrowseSession> OpenBrowseSession(const std::string& projectArg)
   } catch (const EProjectError& e) {
     throw TCommandError(e.Message());
   }
-  bar.Finish();
+  bar->Finish();
   const TOpenStats& stats = session->Stats();
   if (stats.Warm)
     PrintMessage("loaded the saved class information " + RelativeToCurrent(stats.ClassInfoFile) +
