@@ -35,7 +35,7 @@ json RunClient(const fs::path& root, const fs::path& file, const json& requests)
   const std::string command =
       "VELMORA=" + Quote(VELMORA_BINARY) + " ROOT=" + Quote(root.string()) +
       " FILE=" + Quote(file.string()) + " OUT=" + Quote(out.string()) +
-      " REQUESTS=" + Quote(requests.dump()) + " timeout 120 nvim --headless --clean -c " +
+      " REQUESTS=" + Quote(requests.dump()) + " timeout 120 nvim --headless --clean -n -c " +
       Quote("luafile " + std::string(VELMORA_TEST_DATA) + "/hosts/lsp/nvim/client.lua") +
       " >/dev/null 2>&1";
   std::system(command.c_str());
