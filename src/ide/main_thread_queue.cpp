@@ -86,8 +86,15 @@ bool TMainThreadQueue::Synchronize(const TWork& work) {
   if (wake_) wake_();
   std::unique_lock lock(wait->Mutex);
   wait->Done.wait(lock, [&] { return wait->Finished; });
-  if (wait->Error) std::rethrow_exception(wait->Error);
-  return wait->Ran;
+  // The exception leaves the shared state here, so that its last owner is this thread
+  // and never the main thread freeing the queued item: the exception's own reference
+  // count is not something a thread checker can see.
+  const std::exception_ptr error = std::move(wait->Error);
+  wait->Error = nullptr;
+  const bool ran = wait->Ran;
+  lock.unlock();
+  if (error) std::rethrow_exception(error);
+  return ran;
 }
 
 bool TMainThreadQueue::TakeOne(TWork& work) {
